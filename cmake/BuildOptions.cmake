@@ -1,0 +1,53 @@
+# SPDX-FileCopyrightText: 2026 The Tonvale Authors
+#
+# SPDX-License-Identifier: CC0-1.0
+
+# Everything our own targets are compiled with, in two interface targets.
+# Link them privately; nothing here is set globally.
+
+option(TONVALE_WARNINGS_AS_ERRORS "Turn compiler warnings into errors" OFF)
+option(TONVALE_COVERAGE "Instrument for coverage" OFF)
+set(TONVALE_SANITIZERS "" CACHE STRING "Comma-separated sanitizers, e.g. address,undefined")
+
+add_library(tonvale_warnings INTERFACE)
+target_compile_options(tonvale_warnings INTERFACE
+    -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion
+    -Wold-style-cast -Wnon-virtual-dtor -Woverloaded-virtual
+    $<$<BOOL:${TONVALE_WARNINGS_AS_ERRORS}>:-Werror>)
+
+add_library(tonvale_options INTERFACE)
+target_compile_features(tonvale_options INTERFACE cxx_std_20)
+target_include_directories(tonvale_options INTERFACE "${PROJECT_SOURCE_DIR}/native/Sources")
+# The build directory never shows in the binaries, so two checkouts build the same bytes.
+target_compile_options(tonvale_options INTERFACE
+    "-ffile-prefix-map=${PROJECT_SOURCE_DIR}=." -fstack-protector-strong)
+target_link_options(tonvale_options INTERFACE -Wl,-z,relro,-z,now)
+
+if(TONVALE_SANITIZERS)
+    target_compile_options(tonvale_options INTERFACE
+        "-fsanitize=${TONVALE_SANITIZERS}" -fno-omit-frame-pointer -fno-sanitize-recover=all)
+    target_link_options(tonvale_options INTERFACE "-fsanitize=${TONVALE_SANITIZERS}")
+elseif(NOT TONVALE_COVERAGE)
+    target_compile_options(tonvale_options INTERFACE
+        $<$<NOT:$<CONFIG:Debug>>:-U_FORTIFY_SOURCE$<SEMICOLON>-D_FORTIFY_SOURCE=2>)
+endif()
+
+if(TONVALE_COVERAGE)
+    target_compile_options(tonvale_options INTERFACE --coverage)
+    target_link_options(tonvale_options INTERFACE --coverage)
+endif()
+
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+include(CheckPIESupported)
+check_pie_supported(LANGUAGES CXX)
+
+# tonvale_library(NAME SOURCES... [LINK PUBLIC_TARGETS...] [PRIVATE PRIVATE_TARGETS...]):
+# one static library, one layer.
+function(tonvale_library name)
+    cmake_parse_arguments(arg "" "" "SOURCES;LINK;PRIVATE" ${ARGN})
+    add_library(${name} STATIC ${arg_SOURCES})
+    target_link_libraries(${name}
+        PUBLIC tonvale_options ${arg_LINK}
+        PRIVATE tonvale_warnings ${arg_PRIVATE})
+endfunction()
