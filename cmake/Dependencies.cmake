@@ -4,5 +4,10 @@
 
 # Libraries of the distribution; scripts/packages.txt names their packages.
 
+find_package(PkgConfig REQUIRED)
 find_package(Threads REQUIRED)
 
+pkg_check_modules(FFMPEG REQUIRED IMPORTED_TARGET
+    libavformat>=59 libavcodec>=59 libavutil>=57 libswresample>=4)
+pkg_check_modules(SNDFILE REQUIRED IMPORTED_TARGET sndfile>=1.2)
+pkg_check_modules(RUBBERBAND REQUIRED IMPORTED_TARGET rubberband>=3.1)

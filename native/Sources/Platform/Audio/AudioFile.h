@@ -1,0 +1,87 @@
+// SPDX-FileCopyrightText: 2026 The Tonvale Authors
+//
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include "Platform/Audio/AudioFormat.h"
+#include "Platform/Audio/AudioPCMBuffer.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+
+namespace tonvale {
+
+/// The four-character code of linear PCM, "lpcm".
+inline constexpr std::uint32_t audioFormatLinearPCM = 0x6C70636D;
+
+/// What a written audio file holds on disk. Only what the defaults say can be written:
+/// interleaved 16-bit little-endian integers; anything else is refused as an unknown format.
+struct AudioFileSettings {
+    std::uint32_t formatID = audioFormatLinearPCM;
+    double sampleRate = 0;  ///< frames per second; stored as a whole number
+    std::uint32_t numberOfChannels = 0;
+    std::uint32_t linearPCMBitDepth = 16;
+    bool linearPCMIsFloat = false;
+    bool linearPCMIsBigEndian = false;
+    bool linearPCMIsNonInterleaved = false;
+};
+
+class AudioFileReader;
+class AudioFileWriter;
+
+/// A local audio file, open either for reading or for writing.
+/// The file stays usable after its name was deleted or given to another file.
+/// One thread at a time may use it.
+/// @thread WORKER (reads and writes the disk)
+class AudioFile {
+public:
+    /// Opens a song: whatever container and codec the system's decoders know, decoded to
+    /// the format of AudioFormat.h at the song's own rate and channel count.
+    /// Opening decodes no more than the first frames.
+    /// @error PlatformError in the system's or the decoder's words
+    [[nodiscard]] static AudioFile forReading(const std::filesystem::path& url);
+
+    /// Creates or empties a file; the container follows the extension: wav, aif, aiff, caf.
+    /// @error PlatformError; unknown extension or settings included
+    [[nodiscard]] static AudioFile forWriting(const std::filesystem::path& url,
+                                              const AudioFileSettings& settings);
+
+    AudioFile(AudioFile&&) noexcept;
+    AudioFile& operator=(AudioFile&&) noexcept;
+    ~AudioFile();
+
+    /// The in-memory side of the file.
+    [[nodiscard]] const AudioFormat& processingFormat() const noexcept;
+
+    /// Reading: the exact number of frames of music, encoder padding not counted.
+    /// Writing: the frames written so far.
+    [[nodiscard]] std::int64_t length() const noexcept;
+
+    /// Fills `buffer` with up to `frameCount` frames from `startFrame` on and sets its frameLength;
+    /// fewer only at the end of the file. What cannot be decoded is silence.
+    /// Consecutive reads are cheapest; any other start seeks.
+    /// @param startFrame  0 ... length()
+    /// @param buffer      in processingFormat(), with room for frameCount
+    /// @error PlatformError when the disk fails
+    void read(std::int64_t startFrame, AudioPCMBuffer& buffer, std::uint32_t frameCount);
+
+    /// Appends the buffer's valid frames, converted with saturation.
+    /// @error PlatformError in the system's words: disk full, file too large for its container, ...
+    void write(const AudioPCMBuffer& buffer);
+
+    /// Completes a written file on disk and closes it; call it to learn of errors that the
+    /// destructor would have to swallow. Nothing to do for a file open for reading.
+    /// @error PlatformError
+    void close();
+
+private:
+    explicit AudioFile(std::unique_ptr<AudioFileReader> reader) noexcept;
+    explicit AudioFile(std::unique_ptr<AudioFileWriter> writer) noexcept;
+
+    std::unique_ptr<AudioFileReader> reader_;
+    std::unique_ptr<AudioFileWriter> writer_;
+};
+
+}  // namespace tonvale

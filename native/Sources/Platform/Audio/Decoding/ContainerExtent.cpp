@@ -1,0 +1,237 @@
+// SPDX-FileCopyrightText: 2026 The Tonvale Authors
+//
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "Platform/Audio/Decoding/ContainerExtent.h"
+
+#include "Platform/Audio/Decoding/CafPacketInfo.h"
+#include "Platform/Audio/Decoding/FormatProbe.h"
+#include "Platform/Audio/Decoding/LocalInput.h"
+#include "Platform/Audio/Decoding/Mp4Timing.h"
+#include "Platform/Audio/Decoding/PacketDuration.h"
+#include "Platform/Audio/Decoding/PacketSource.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+
+namespace tonvale {
+
+namespace {
+
+/// Below this many bytes a second no real song lies: even silence in FLAC takes 150.
+constexpr std::int64_t fewestBytesPerSecond = 100;
+
+std::int64_t toFrames(std::int64_t ticks, AVRational tickDuration, const DecodedFormat& format)
+{
+    return av_rescale_q(ticks, tickDuration, AVRational{1, format.sampleRate});
+}
+
+std::optional<std::int64_t> known(std::int64_t count)
+{
+    return count > 0 ? std::optional(count) : std::nullopt;
+}
+
+/// W64 files end on a multiple of 8 bytes, which only the size in their data chunk's header tells
+/// from music: 16 bytes of identifier, 8 of size, this header included.
+std::int64_t bytesOfW64Data(const ContainerFacts& facts)
+{
+    constexpr std::int64_t headerSize = 24;
+    std::array<std::uint8_t, headerSize> header = {};
+    facts.input.readAt(facts.dataOffset - headerSize, header);
+    std::uint64_t size = 0;
+    for (std::size_t index = headerSize; index > headerSize - 8; --index) {
+        size = size << 8U | header[index - 1];
+    }
+    return static_cast<std::int64_t>(std::min(size, std::uint64_t{1} << 60U)) - headerSize;
+}
+
+/// The header's length, but never more than the bytes that are there: files get cut, and
+/// writers of streams leave the length open.
+std::int64_t linearFrames(const ContainerFacts& facts)
+{
+    std::int64_t bytes = std::max<std::int64_t>(facts.input.size() - facts.dataOffset, 0);
+    if (isNamed(facts.format, "w64")) {
+        bytes = std::clamp<std::int64_t>(bytesOfW64Data(facts), 0, bytes);
+    }
+    const std::int64_t present = bytes / facts.frameSize;
+    const auto told = known(facts.duration).value_or(facts.stream.nb_frames);
+    return told > 0 ? std::min(told, present) : present;
+}
+
+struct Padding {
+    unsigned start = 0;  ///< frames
+    unsigned end = 0;
+    std::uint64_t length = 0;  ///< frames of music
+};
+
+/// The padding as one family of encoders writes it, in hexadecimal text.
+std::optional<Padding> paddingFromText(const AVStream& stream, const AVFormatContext* context)
+{
+    const AVDictionaryEntry* entry = av_dict_get(stream.metadata, "iTunSMPB", nullptr, 0);
+    if (entry == nullptr && context != nullptr) {
+        entry = av_dict_get(context->metadata, "iTunSMPB", nullptr, 0);
+    }
+    Padding padding;
+    unsigned long long length = 0;
+    if (entry == nullptr
+        || std::sscanf(entry->value, "%*x %x %x %llx", &padding.start, &padding.end, &length) != 3
+        || padding.start > 65536 || length == 0 || length > 1ULL << 40U) {
+        return std::nullopt;
+    }
+    padding.length = length;
+    return padding;
+}
+
+/// The edit list decides where the music starts and ends. Its duration counts in ticks of the
+/// movie, often milliseconds, so where the media ends less than one such tick from there, the
+/// media's own end is meant.
+HeaderExtent mp4Extent(const ContainerFacts& facts, const DecodedFormat& format)
+{
+    HeaderExtent extent;
+    const auto mediaEnd = known(facts.duration);
+    if (mediaEnd) {
+        extent.end = toFrames(*mediaEnd, facts.tickDuration, format);
+    }
+    const auto timing = Mp4Timing::parse(facts.input, static_cast<std::uint32_t>(facts.stream.id));
+    const auto padding = paddingFromText(facts.stream, facts.context);
+    const bool hasEdit = timing && timing->edit && timing->movieTicksPerSecond > 0;
+    if (padding && (!hasEdit || timing->edit->mediaStart == padding->start)) {
+        extent.start = padding->start;
+        extent.end = extent.start + static_cast<std::int64_t>(padding->length);
+    }
+    if (!hasEdit) {
+        return extent;
+    }
+    extent.start = toFrames(timing->edit->mediaStart, facts.tickDuration, format);
+    if (timing->edit->duration > 0) {
+        const std::int64_t movieTicks = timing->movieTicksPerSecond;
+        const std::int64_t editEnd
+            = extent.start + av_rescale(timing->edit->duration, format.sampleRate, movieTicks);
+        const std::int64_t oneTick = (format.sampleRate - 1) / movieTicks + 1;
+        if (!extent.end || *extent.end - editEnd >= std::max<std::int64_t>(oneTick, 2)) {
+            extent.end = editEnd;
+        }
+    }
+    return extent;
+}
+
+/// Granule positions count frames of music; those of Opus count its pre-skip, too.
+HeaderExtent oggExtent(const ContainerFacts& facts, const DecodedFormat& format)
+{
+    const AVCodecParameters& parameters = *facts.stream.codecpar;
+    const std::int64_t start
+        = facts.stream.start_time == noTimeStamp ? 0 : facts.stream.start_time;
+    HeaderExtent extent = {.start = toFrames(start, facts.tickDuration, format)};
+    if (const auto duration = known(facts.duration)) {
+        const std::int64_t skip
+            = parameters.codec_id == AV_CODEC_ID_OPUS ? parameters.initial_padding : 0;
+        extent.end = toFrames(start + *duration - skip, facts.tickDuration, format);
+    }
+    return extent;
+}
+
+HeaderExtent cafExtent(const ContainerFacts& facts, const DecodedFormat& format)
+{
+    const auto info = CafPacketInfo::parse(facts.input);
+    if (!info) {
+        return {.end = known(toFrames(std::max<std::int64_t>(facts.duration, 0),
+                                      facts.tickDuration, format))};
+    }
+    return {.start = toFrames(info->primingFrames, facts.tickDuration, format),
+            .end = toFrames(info->primingFrames + info->validFrames, facts.tickDuration, format)};
+}
+
+/// FLAC carries its own length into containers that count in milliseconds.
+std::optional<std::int64_t> flacFrames(const AVCodecParameters& parameters)
+{
+    if (parameters.codec_id != AV_CODEC_ID_FLAC || parameters.extradata_size < 18) {
+        return std::nullopt;
+    }
+    const std::uint8_t* const info = parameters.extradata;
+    std::int64_t frames = info[13] & 0x0F;
+    for (int index = 14; index < 18; ++index) {
+        frames = frames << 8 | info[index];
+    }
+    return known(frames);
+}
+
+HeaderExtent anyExtent(const ContainerFacts& facts, const DecodedFormat& format)
+{
+    const auto isOneOf = [&facts](std::initializer_list<const char*> names) {
+        return std::ranges::any_of(
+            names, [&facts](const char* name) { return isNamed(facts.format, name); });
+    };
+    if (isOneOf({"mov"})) {
+        return mp4Extent(facts, format);
+    }
+    if (isOneOf({"ogg"})) {
+        return oggExtent(facts, format);
+    }
+    if (isOneOf({"caf"})) {
+        return cafExtent(facts, format);
+    }
+    if (const auto frames = flacFrames(*facts.stream.codecpar)) {
+        return {.end = frames};
+    }
+    if (isOneOf({"flac", "wv", "tta", "ape", "tak", "asf"}) && facts.duration > 0) {
+        return {.end = toFrames(facts.duration, facts.tickDuration, format)};
+    }
+    const int padding = facts.stream.codecpar->initial_padding;
+    return {.start = std::max(padding, 0)};
+}
+
+bool isCredible(std::int64_t frames, const ContainerFacts& facts, const DecodedFormat& format)
+{
+    return frames / format.sampleRate <= facts.input.size() / fewestBytesPerSecond + 1;
+}
+
+/// Frames to drop at the end, where a container marks its last packet so.
+std::int64_t endDiscard(const AVPacket& packet)
+{
+    std::size_t size = 0;
+    const std::uint8_t* const data
+        = av_packet_get_side_data(&packet, AV_PKT_DATA_SKIP_SAMPLES, &size);
+    if (data == nullptr || size < 8) {
+        return 0;
+    }
+    return data[4] | data[5] << 8 | data[6] << 16 | std::int64_t{data[7]} << 24;
+}
+
+}  // namespace
+
+HeaderExtent headerExtent(const ContainerFacts& facts, const DecodedFormat& format)
+{
+    if (facts.isLinear) {
+        return {.end = linearFrames(facts)};
+    }
+    HeaderExtent extent = anyExtent(facts, format);
+    if (extent.end && !isCredible(*extent.end, facts, format)) {
+        extent.end.reset();
+    }
+    return extent;
+}
+
+std::int64_t scanForEnd(PacketSource& source, const DecodedFormat& format)
+{
+    PacketDuration durations(source.parameters(), format);
+    const UniquePacket packet = makePacket();
+    std::int64_t end = 0;
+    std::int64_t discard = 0;
+    while (source.next(*packet)) {
+        std::int64_t frames = durations.framesOf(*packet);
+        if (frames <= 0) {
+            frames = toFrames(packet->duration, source.tickDuration(), format);
+        }
+        if (source.hasExactStamps() && packet->pts != noTimeStamp) {
+            const std::int64_t start = toFrames(packet->pts, source.tickDuration(), format);
+            end = std::max(end, start + frames);
+        } else {
+            end += frames;
+        }
+        discard = endDiscard(*packet);
+    }
+    return std::max<std::int64_t>(end - discard, 0);
+}
+
+}  // namespace tonvale

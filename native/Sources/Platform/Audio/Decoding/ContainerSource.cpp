@@ -1,0 +1,292 @@
+// SPDX-FileCopyrightText: 2026 The Tonvale Authors
+//
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "Platform/Audio/Decoding/ContainerSource.h"
+
+#include "Platform/Audio/Decoding/ContainerExtent.h"
+#include "Platform/Audio/Decoding/FormatProbe.h"
+#include "Platform/Audio/Decoding/LocalInput.h"
+#include "Platform/Audio/Decoding/PacketDuration.h"
+
+#include <algorithm>
+#include <array>
+#include <string>
+
+namespace tonvale {
+
+namespace {
+
+constexpr int maximumStreams = 64;
+
+/// How much earlier a seek is tried again when it landed behind its target, in seconds.
+constexpr std::array<int, 3> seekMargins = {0, 2, 20};
+
+bool isLinear(const AVCodecParameters& parameters)
+{
+    return parameters.codec_id >= AV_CODEC_ID_FIRST_AUDIO
+           && parameters.codec_id < AV_CODEC_ID_ADPCM_IMA_QT
+           && av_get_exact_bits_per_sample(parameters.codec_id) >= 8;
+}
+
+/// Decoders of which CodecMemory knows how far back they remember.
+bool hasKnownMemory(const AVCodecParameters& parameters)
+{
+    constexpr std::array known
+        = {AV_CODEC_ID_MP3,    AV_CODEC_ID_AAC,  AV_CODEC_ID_ALAC,    AV_CODEC_ID_FLAC,
+           AV_CODEC_ID_VORBIS, AV_CODEC_ID_OPUS, AV_CODEC_ID_WAVPACK, AV_CODEC_ID_TTA};
+    return isLinear(parameters) || std::ranges::find(known, parameters.codec_id) != known.end();
+}
+
+int frameSizeOf(const AVCodecParameters& parameters)
+{
+    return parameters.ch_layout.nb_channels * av_get_exact_bits_per_sample(parameters.codec_id) / 8;
+}
+
+int refuseToOpen(AVFormatContext* /*context*/, AVIOContext** /*io*/, const char* /*url*/,
+                 int /*flags*/, AVDictionary** /*options*/)
+{
+    return refusedError;
+}
+
+/// Options of the library and, last, of its MOV demuxer: the edit list is ours to read.
+AVDictionary* makeOptions()
+{
+    AVDictionary* options = nullptr;
+    av_dict_set(&options, "format_whitelist", containersOfMusic(), 0);
+    av_dict_set(&options, "protocol_whitelist", "none", 0);  // no protocol has this name
+    av_dict_set_int(&options, "max_streams", maximumStreams, 0);
+    av_dict_set(&options, "ignore_editlist", "1", 0);
+    return options;
+}
+
+}  // namespace
+
+ContainerSource::ContainerSource(LocalInput& input, const AVInputFormat& format)
+    : input_(input)
+    , format_(format)
+    , pending_(makePacket())
+{
+    open();
+}
+
+const AVCodecParameters& ContainerSource::parameters() const noexcept
+{
+    return *stream().codecpar;
+}
+
+AVRational ContainerSource::tickDuration() const noexcept
+{
+    return stamping_ == Stamping::byBytes ? AVRational{1, parameters().sample_rate}
+                                          : stream().time_base;
+}
+
+bool ContainerSource::hasExactStamps() const noexcept
+{
+    return stamping_ != Stamping::none;
+}
+
+bool ContainerSource::next(AVPacket& packet)
+{
+    if (hasPending_) {
+        hasPending_ = false;
+        av_packet_unref(&packet);
+        av_packet_move_ref(&packet, pending_.get());
+        return true;
+    }
+    return readPacket(packet);
+}
+
+void ContainerSource::seek(std::int64_t tick)
+{
+    for (const int margin : seekMargins) {
+        const auto ticks = av_rescale_q(margin, AVRational{1, 1}, tickDuration());
+        if (landsBefore(tick - ticks, tick)) {
+            return;
+        }
+    }
+    rewind();
+}
+
+void ContainerSource::rewind()
+{
+    open();
+}
+
+MusicExtent ContainerSource::extent(const DecodedFormat& format)
+{
+    const ContainerFacts facts = {.input = input_,
+                                  .format = format_,
+                                  .context = context_.get(),
+                                  .stream = stream(),
+                                  .tickDuration = tickDuration(),
+                                  .isLinear = stamping_ == Stamping::byBytes,
+                                  .dataOffset = dataOffset_,
+                                  .frameSize = frameSize_,
+                                  .duration = dataDuration_};
+    const HeaderExtent header = headerExtent(facts, format);
+    std::int64_t end = header.end.value_or(0);
+    if (!header.end) {
+        rewind();
+        end = scanForEnd(*this, format);
+    } else if (parameters().codec_id == AV_CODEC_ID_ALAC && hasExactStamps()) {
+        // Packet tables may count the last packet as full; the packet itself knows better.
+        seek(av_rescale_q(end - 1, AVRational{1, format.sampleRate}, tickDuration()));
+        const std::int64_t lastEnd = scanForEnd(*this, format);
+        end = lastEnd > 0 ? std::min(end, lastEnd) : end;
+    }
+    return {.start = header.start, .length = std::max<std::int64_t>(end - header.start, 0)};
+}
+
+/// A new context for every start from the beginning: demuxers keep much of what they have read,
+/// and not every one finds back to its first packet.
+void ContainerSource::open()
+{
+    context_.reset();
+    io_ = input_.makeContext();
+    hasPending_ = false;
+    runningTick_ = noTimeStamp;
+    packetBudget_ = input_.size() + 1000;  // a packet has a byte at least, but for a few
+    AVFormatContext* context = avformat_alloc_context();
+    if (context == nullptr) {
+        throw decoderError(outOfMemoryError);
+    }
+    context->pb = io_.get();
+    context->io_open = &refuseToOpen;
+    context->flags |= AVFMT_FLAG_CUSTOM_IO;
+    if (isNamed(format_, "ogg")) {
+        // After a seek the library would invent the time stamps that a page does not give.
+        context->flags |= AVFMT_FLAG_NOFILLIN;
+    }
+    AVDictionary* options = makeOptions();
+    const int result = avformat_open_input(&context, input_.name().c_str(), &format_, &options);
+    av_dict_free(&options);
+    input_.throwIfFailed();
+    if (result < 0) {
+        throw decoderError(result);
+    }
+    context_.reset(context);
+    dataOffset_ = avio_tell(io_.get());
+    chooseStream();
+}
+
+void ContainerSource::chooseStream()
+{
+    int best = av_find_best_stream(context_.get(), AVMEDIA_TYPE_AUDIO, -1, -1, nullptr, 0);
+    if (best < 0) {
+        // Some containers have no table of streams: the library has to look at packets.
+        avformat_find_stream_info(context_.get(), nullptr);
+        best = av_find_best_stream(context_.get(), AVMEDIA_TYPE_AUDIO, -1, -1, nullptr, 0);
+    }
+    input_.throwIfFailed();
+    if (best < 0) {
+        throw PlatformError("The file holds no sound");
+    }
+    streamIndex_ = best;
+    for (int index = 0; index < static_cast<int>(context_->nb_streams); ++index) {
+        context_->streams[index]->discard = index == best ? AVDISCARD_DEFAULT : AVDISCARD_ALL;
+    }
+    stamping_ = stampingOf(stream());
+    frameSize_ = stamping_ == Stamping::byBytes ? frameSizeOf(parameters()) : 0;
+    dataDuration_ = stream().duration;
+}
+
+ContainerSource::Stamping ContainerSource::stampingOf(const AVStream& stream) const
+{
+    const AVCodecParameters& parameters = *stream.codecpar;
+    const auto isOneOf = [this](std::initializer_list<const char*> names) {
+        return std::ranges::any_of(names,
+                                   [this](const char* name) { return isNamed(format_, name); });
+    };
+    if (isLinear(parameters) && frameSizeOf(parameters) > 0 && parameters.sample_rate > 0
+        && isOneOf({"wav", "w64", "aiff", "au", "caf"})) {
+        return Stamping::byBytes;
+    }
+    const bool countsFrames = isOneOf({"flac", "ogg", "caf", "wv", "tta"})
+                              || (isNamed(format_, "mov") && hasFrameTimeBase(stream));
+    return countsFrames && hasKnownMemory(parameters) ? Stamping::byContainer : Stamping::none;
+}
+
+/// A time base in which every packet of AAC or ALAC begins on a whole tick.
+bool ContainerSource::hasFrameTimeBase(const AVStream& stream) const
+{
+    const int rate = stream.codecpar->sample_rate;
+    const AVRational base = stream.time_base;
+    return base.num == 1 && rate > 0 && (base.den % rate == 0 || rate % base.den == 0)
+           && base.den >= rate / 2;
+}
+
+bool ContainerSource::readPacket(AVPacket& packet)
+{
+    while (packetBudget_-- > 0) {
+        av_packet_unref(&packet);
+        const int result = av_read_frame(context_.get(), &packet);
+        input_.throwIfFailed();
+        if (result == tryAgainError) {
+            continue;
+        }
+        if (result < 0) {
+            return false;
+        }
+        if (packet.stream_index == streamIndex_) {
+            stamp(packet);
+            return true;
+        }
+    }
+    return false;
+}
+
+void ContainerSource::stamp(AVPacket& packet)
+{
+    switch (stamping_) {
+    case Stamping::byBytes:
+        packet.pts = (packet.pos - dataOffset_) / frameSize_;
+        break;
+    case Stamping::byContainer:
+        if (packet.pts == noTimeStamp) {
+            packet.pts = runningTick_;
+        }
+        if (packet.pts != noTimeStamp) {
+            runningTick_ = packet.pts + durationOf(packet);
+        }
+        break;
+    case Stamping::none:
+        packet.pts = noTimeStamp;
+        break;
+    }
+}
+
+/// In ticks; Ogg leaves that of FLAC packets open.
+std::int64_t ContainerSource::durationOf(const AVPacket& packet) const
+{
+    return packet.duration > 0 ? packet.duration : framesOfPacket(parameters(), packet);
+}
+
+/// Seeks to `tick` and looks at the packet found there.
+bool ContainerSource::landsBefore(std::int64_t tick, std::int64_t target)
+{
+    const bool isByBytes = stamping_ == Stamping::byBytes;
+    const std::int64_t place = isByBytes ? dataOffset_ + std::max<std::int64_t>(tick, 0) * frameSize_
+                                         : tick;
+    const int flags = isByBytes ? AVSEEK_FLAG_BYTE : AVSEEK_FLAG_BACKWARD;
+    hasPending_ = false;
+    runningTick_ = noTimeStamp;
+    packetBudget_ = input_.size() + 1000;
+    if (av_seek_frame(context_.get(), streamIndex_, place, flags) < 0) {
+        return false;
+    }
+    while (readPacket(*pending_)) {
+        if (pending_->pts != noTimeStamp) {
+            hasPending_ = pending_->pts <= target;
+            return hasPending_;
+        }
+    }
+    return false;
+}
+
+const AVStream& ContainerSource::stream() const noexcept
+{
+    return *context_->streams[streamIndex_];
+}
+
+}  // namespace tonvale

@@ -1,0 +1,80 @@
+// SPDX-FileCopyrightText: 2026 The Tonvale Authors
+//
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "Platform/Audio/Graph/AudioEngine.h"
+
+#include "Platform/Foundation/PlatformError.h"
+#include "Platform/Foundation/Precondition.h"
+
+#include <algorithm>
+
+namespace tonvale {
+
+void AudioEngine::attach(AudioNode& node)
+{
+    precondition(!isAttached(node));
+    attachedNodes_.push_back(&node);
+}
+
+void AudioEngine::connect(AudioNode& source, AudioNode& destination,
+                          const std::optional<AudioFormat>& format)
+{
+    precondition(isAttached(source) && (isAttached(destination) || &destination == &mainMixer_));
+    destination.setInput(&source);
+    if (format) {
+        connectionFormats_.push_back(*format);
+    }
+}
+
+void AudioEngine::enableManualRenderingMode(AudioEngineManualRenderingMode /*mode*/,
+                                            const AudioFormat& format,
+                                            std::uint32_t maximumFrameCount)
+{
+    const auto agrees = [&format](const AudioFormat& other) { return other == format; };
+    if (AudioPCMBuffer::create(format, 1) == nullptr || maximumFrameCount == 0
+        || !std::ranges::all_of(connectionFormats_, agrees)) {
+        throw PlatformError("The audio format cannot be rendered.");
+    }
+    manualRendering_ = ManualRendering{format, maximumFrameCount};
+}
+
+void AudioEngine::disableManualRenderingMode() noexcept
+{
+    stop();
+    manualRendering_.reset();
+}
+
+void AudioEngine::start()
+{
+    precondition(manualRendering_.has_value());
+    mainMixer_.prepare(manualRendering_->format, manualRendering_->maximumFrameCount);
+    sampleTime_ = 0;
+    isRunning_ = true;
+}
+
+const AudioFormat& AudioEngine::manualRenderingFormat() const noexcept
+{
+    precondition(manualRendering_.has_value());
+    return manualRendering_->format;
+}
+
+AudioEngineManualRenderingStatus AudioEngine::renderOffline(std::uint32_t frameCount,
+                                                            AudioPCMBuffer& buffer)
+{
+    if (!isRunning_) {
+        return AudioEngineManualRenderingStatus::cannotDoInCurrentContext;
+    }
+    precondition(frameCount > 0 && frameCount <= manualRendering_->maximumFrameCount
+                 && frameCount <= buffer.frameCapacity());
+    mainMixer_.render(buffer, frameCount);
+    sampleTime_ += frameCount;
+    return AudioEngineManualRenderingStatus::success;
+}
+
+bool AudioEngine::isAttached(const AudioNode& node) const noexcept
+{
+    return std::ranges::find(attachedNodes_, &node) != attachedNodes_.end();
+}
+
+}  // namespace tonvale

@@ -1,0 +1,49 @@
+// SPDX-FileCopyrightText: 2026 The Tonvale Authors
+//
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include "Platform/Audio/AudioFormat.h"
+#include "Platform/Audio/AudioPCMBuffer.h"
+
+#include <cstdint>
+
+namespace tonvale {
+
+/// A stage of the pull graph: the stage behind asks it for frames, and it asks the one before it.
+/// The engine owns the order of calls: prepare(), then render() any number of times.
+class AudioNode {
+public:
+    AudioNode() = default;
+    AudioNode(const AudioNode&) = delete;
+    AudioNode& operator=(const AudioNode&) = delete;
+    virtual ~AudioNode() = default;
+
+    /// Where render() takes its frames from; a node without input is a source.
+    /// @thread CONTROL, while nothing renders
+    void setInput(AudioNode* input) noexcept { input_ = input; }
+
+    /// Gets ready to render blocks of up to `maximumFrameCount` frames from the beginning on,
+    /// and its input too. Everything that render() needs is allocated here.
+    /// @thread CONTROL, while nothing renders
+    virtual void prepare(const AudioFormat& format, std::uint32_t maximumFrameCount);
+
+    /// Fills the first `frameCount` frames of `buffer` and sets its frameLength to it.
+    /// Past the end of the music this is silence, never less.
+    /// @param frameCount  1 ... the maximum given to prepare()
+    /// @error what the source throws when the disk fails
+    /// @thread WORKER
+    virtual void render(AudioPCMBuffer& buffer, std::uint32_t frameCount) = 0;
+
+protected:
+    [[nodiscard]] AudioNode* input() const noexcept { return input_; }
+
+    /// Renders the input, or silence where there is none.
+    void renderInput(AudioPCMBuffer& buffer, std::uint32_t frameCount);
+
+private:
+    AudioNode* input_ = nullptr;
+};
+
+}  // namespace tonvale

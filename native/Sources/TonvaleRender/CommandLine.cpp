@@ -1,0 +1,226 @@
+// SPDX-FileCopyrightText: 2026 The Tonvale Authors
+//
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "TonvaleRender/CommandLine.h"
+
+#include "Tonvale/Keys/TranspositionInterval.h"
+#include "TonvaleRender/KeyParser.h"
+#include "TonvaleRender/UsageError.h"
+
+#include <getopt.h>
+
+#include <array>
+#include <charconv>
+#include <string_view>
+#include <system_error>
+#include <vector>
+
+namespace tonvale {
+
+namespace {
+
+constexpr int mostSemitones = 6;
+constexpr int mostCents = 600;
+
+enum OptionCode : int {
+    fromOption = 256,
+    toOption,
+    semitonesOption,
+    centsOption,
+    forceOption,
+    quietOption,
+    helpOption,
+    versionOption,
+};
+
+constexpr std::array<option, 10> longOptions{{
+    {"from", required_argument, nullptr, fromOption},
+    {"to", required_argument, nullptr, toOption},
+    {"semitones", required_argument, nullptr, semitonesOption},
+    {"cents", required_argument, nullptr, centsOption},
+    {"output", required_argument, nullptr, 'o'},
+    {"force", no_argument, nullptr, forceOption},
+    {"quiet", no_argument, nullptr, quietOption},
+    {"help", no_argument, nullptr, helpOption},
+    {"version", no_argument, nullptr, versionOption},
+    {nullptr, 0, nullptr, 0},
+}};
+
+/// The options as given, not yet checked against each other.
+struct GivenOptions {
+    std::optional<std::string> from, to, semitones, cents, output;
+    bool force = false;
+    bool quiet = false;
+    std::optional<CommandLine::Action> information;
+    std::vector<std::string> inputs;
+};
+
+void set(std::optional<std::string>& value, std::string_view name)
+{
+    if (value) {
+        throw UsageError(std::string(name) + " is given twice.");
+    }
+    value = optarg;
+}
+
+/// The option that getopt just complained about, as the user wrote it.
+std::string offendingOption(const std::vector<char*>& words)
+{
+    const bool isShort = optopt > 0 && optopt < fromOption;
+    return isShort ? std::string("-") + static_cast<char>(optopt)
+                   : words[static_cast<std::size_t>(optind - 1)];
+}
+
+void take(GivenOptions& given, int code, const std::vector<char*>& words)
+{
+    switch (code) {
+    case fromOption:
+        return set(given.from, "--from");
+    case toOption:
+        return set(given.to, "--to");
+    case semitonesOption:
+        return set(given.semitones, "--semitones");
+    case centsOption:
+        return set(given.cents, "--cents");
+    case 'o':
+        return set(given.output, "--output");
+    case forceOption:
+        given.force = true;
+        return;
+    case quietOption:
+        given.quiet = true;
+        return;
+    case helpOption:
+        given.information = CommandLine::Action::showHelp;
+        return;
+    case versionOption:
+        given.information = given.information.value_or(CommandLine::Action::showVersion);
+        return;
+    case ':':
+        throw UsageError(offendingOption(words) + " needs a value.");
+    default:
+        throw UsageError(offendingOption(words) + " is not an option.");
+    }
+}
+
+GivenOptions readOptions(std::span<char* const> arguments)
+{
+    GivenOptions given;
+    const int count = static_cast<int>(arguments.size());
+    // getopt may reorder what it is given, so it works on a copy of the pointers.
+    std::vector<char*> words(arguments.begin(), arguments.end());
+    words.push_back(nullptr);
+    opterr = 0;
+    optind = 0;  // glibc: start anew, whatever was parsed before
+    for (;;) {
+        const int code = getopt_long(count, words.data(), ":o:", longOptions.data(), nullptr);
+        if (code == -1) {
+            break;
+        }
+        take(given, code, words);
+    }
+    for (int index = optind; index < count; ++index) {
+        given.inputs.emplace_back(words[static_cast<std::size_t>(index)]);
+    }
+    return given;
+}
+
+/// @param limit  the number must lie in -limit ... limit
+int parseNumber(std::string_view text, int limit, const std::string& name)
+{
+    std::string_view digits = text;
+    if (digits.starts_with('+') && !digits.starts_with("+-")) {
+        digits.remove_prefix(1);
+    }
+    int number = 0;
+    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
+    if (error != std::errc() || end != digits.data() + digits.size() || number < -limit
+        || number > limit) {
+        throw UsageError(name + " takes a whole number from -" + std::to_string(limit) + " to "
+                         + std::to_string(limit) + ", not \"" + std::string(text) + "\".");
+    }
+    return number;
+}
+
+void setShift(RenderRequest& request, const GivenOptions& given)
+{
+    const bool byKeys = given.from || given.to;
+    const int ways = (byKeys ? 1 : 0) + (given.semitones ? 1 : 0) + (given.cents ? 1 : 0);
+    if (ways != 1 || (byKeys && !(given.from && given.to))) {
+        throw UsageError("Say how far to shift: --from and --to, or --semitones, or --cents.");
+    }
+    if (byKeys) {
+        request.targetKey = parseKey(*given.to);
+        request.cents =
+            centsForSemitones(semitonesBetween(parseKey(*given.from), *request.targetKey));
+    } else if (given.semitones) {
+        request.countsSemitones = true;
+        request.cents =
+            centsForSemitones(parseNumber(*given.semitones, mostSemitones, "--semitones"));
+    } else {
+        request.cents = parseNumber(*given.cents, mostCents, "--cents");
+    }
+}
+
+}  // namespace
+
+CommandLine parseCommandLine(std::span<char* const> arguments)
+{
+    const GivenOptions given = readOptions(arguments);
+    CommandLine commandLine;
+    if (given.information) {
+        commandLine.action = *given.information;
+        return commandLine;
+    }
+    if (given.inputs.size() != 1) {
+        throw UsageError(given.inputs.empty()
+                             ? "Which song? Name one audio file."
+                             : "Name one song only; names with blanks need quotes.");
+    }
+    RenderRequest& request = commandLine.request;
+    request.input = given.inputs.front();
+    if (given.output) {
+        request.output = *given.output;
+    }
+    setShift(request, given);
+    request.replacesOutput = given.force;
+    request.isQuiet = given.quiet;
+    return commandLine;
+}
+
+std::string helpText()
+{
+    return R"(Usage: tonvale-render INPUT --from KEY --to KEY [-o OUTPUT] [--force] [--quiet]
+       tonvale-render INPUT --semitones N [-o OUTPUT] [--force] [--quiet]
+       tonvale-render INPUT --cents N     [-o OUTPUT] [--force] [--quiet]
+
+Renders a song in another key, at the same tempo, into a new 16-bit audio file.
+
+      --from KEY       the key the recording is in
+      --to KEY         the key it should be in; the shortest way is taken
+      --semitones N    shift by -6 to 6 semitones
+      --cents N        shift by -600 to 600 hundredths of a semitone
+  -o, --output OUTPUT  where to save: .wav, .aif, .aiff or .caf
+                       (beside the song, named after the shift)
+      --force          replace OUTPUT if it exists
+      --quiet          print nothing but errors
+      --help           show this help
+      --version        show the version
+
+A KEY is what musicians write: C, F#, Bb, "Eb minor", C#m, E♭.
+
+Examples:
+  tonvale-render Song.mp3 --from C --to Eb
+  tonvale-render "Night Song.m4a" --semitones -2 -o lower.wav
+
+Exit status: 0 rendered, 1 failed, 2 wrong use.
+)";
+}
+
+std::string versionText()
+{
+    return "tonvale-render " TONVALE_VERSION "\n";
+}
+
+}  // namespace tonvale

@@ -1,0 +1,80 @@
+// SPDX-FileCopyrightText: 2026 The Tonvale Authors
+//
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "TonvaleRender/RenderCommand.h"
+
+#include "Platform/Foundation/PlatformError.h"
+#include "Tonvale/Audio/AudioExportService.h"
+#include "TonvaleRender/Interruption.h"
+#include "TonvaleRender/OutputFile.h"
+#include "TonvaleRender/ProgressBar.h"
+#include "TonvaleRender/TerminalText.h"
+
+#include <unistd.h>
+
+#include <iostream>
+#include <optional>
+
+namespace tonvale {
+
+namespace {
+
+struct Interrupted {
+    int signalNumber;
+};
+
+/// Watches a render: draws the bar on a terminal and stops when the user asks.
+class Watcher {
+public:
+    explicit Watcher(bool drawsBar)
+    {
+        if (drawsBar) {
+            bar_.emplace(std::cerr);
+        }
+    }
+
+    void operator()(RenderProgress progress)
+    {
+        if (const int signalNumber = interruption_.signalNumber(); signalNumber != 0) {
+            throw Interrupted{signalNumber};
+        }
+        if (bar_) {
+            bar_->update(progress.renderedFrames, progress.totalFrames);
+        }
+    }
+
+private:
+    Interruption interruption_;
+    std::optional<ProgressBar> bar_;
+};
+
+void render(const RenderRequest& request, const std::filesystem::path& output)
+{
+    Watcher watcher(!request.isQuiet && ::isatty(STDERR_FILENO) == 1);
+    try {
+        AudioExportService::render(request.input, output, request.cents, std::ref(watcher));
+    } catch (const LocalizedError& error) {
+        throw PlatformError("Could not render " + quotedName(request.input) + " into "
+                            + quotedName(output) + ": " + error.errorDescription());
+    }
+}
+
+}  // namespace
+
+void runRender(const RenderRequest& request)
+{
+    const std::filesystem::path output = outputFor(request);
+    checkOutput(output, request);
+    try {
+        render(request, output);
+    } catch (const Interrupted& interrupted) {
+        ::unlink(output.c_str());  // ours: it is only thrown while blocks are being written
+        endBySignal(interrupted.signalNumber);
+    }
+    if (!request.isQuiet) {
+        std::cout << "Saved " << quotedName(output) << '\n' << std::flush;
+    }
+}
+
+}  // namespace tonvale

@@ -1,0 +1,16 @@
+// SPDX-FileCopyrightText: 2026 The Tonvale Authors
+//
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include "TonvaleRender/CommandLine.h"
+
+namespace tonvale {
+
+/// Renders one song and tells where it was saved. An interrupted render removes its unfinished
+/// output and ends the process by the signal.
+/// @error LocalizedError with a whole sentence for the user
+void runRender(const RenderRequest& request);
+
+}  // namespace tonvale

@@ -1,0 +1,140 @@
+// SPDX-FileCopyrightText: 2026 The Tonvale Authors
+//
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "Platform/Audio/Graph/LookaheadLimiter.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+#include <random>
+#include <vector>
+
+namespace tonvale {
+namespace {
+
+constexpr AudioFormat stereo{44100, 2};
+constexpr float ceiling = 32766.0F / 32768.0F;
+
+using Signal = std::vector<float>;
+
+/// Sends `left` and half of it, inverted, through a new limiter; returns both channels without the
+/// latency.
+std::vector<Signal> limit(const Signal& left, std::uint32_t blockFrames = 256)
+{
+    LookaheadLimiter limiter(stereo);
+    Signal padded = left;
+    padded.resize(left.size() + limiter.latencyFrames());
+    std::vector<Signal> result(2);
+    const auto buffer = AudioPCMBuffer::create(stereo, blockFrames);
+    for (std::size_t start = 0; start < padded.size(); start += blockFrames) {
+        const auto frames =
+            static_cast<std::uint32_t>(std::min<std::size_t>(blockFrames, padded.size() - start));
+        buffer->setFrameLength(frames);
+        for (std::uint32_t frame = 0; frame < frames; ++frame) {
+            buffer->channel(0)[frame] = padded[start + frame];
+            buffer->channel(1)[frame] = padded[start + frame] * -0.5F;
+        }
+        limiter.process(*buffer);
+        for (std::uint32_t channel = 0; channel < 2; ++channel) {
+            const auto valid = buffer->channel(channel).first(frames);
+            result[channel].insert(result[channel].end(), valid.begin(), valid.end());
+        }
+    }
+    for (Signal& channel : result) {
+        channel.erase(channel.begin(), channel.begin() + limiter.latencyFrames());
+    }
+    return result;
+}
+
+Signal sine(std::size_t frames, double frequency, float level)
+{
+    Signal signal(frames);
+    for (std::size_t frame = 0; frame < frames; ++frame) {
+        signal[frame] = level
+                        * static_cast<float>(std::sin(2 * std::numbers::pi * frequency
+                                                      * static_cast<double>(frame) / 44100.0));
+    }
+    return signal;
+}
+
+float peakOf(const Signal& signal)
+{
+    float peak = 0;
+    for (const float sample : signal) {
+        peak = std::max(peak, std::abs(sample));
+    }
+    return peak;
+}
+
+TEST(LookaheadLimiter, LeavesEverySampleUntouchedUpToFullScale)
+{
+    const unsigned seed = 20261121;
+    SCOPED_TRACE(seed);
+    std::mt19937 random(seed);
+    std::uniform_real_distribution<float> level(-1.0F, 1.0F);
+    Signal noise(20000);
+    std::ranges::generate(noise, [&] { return level(random); });
+    noise[10000] = 1.0F;
+    noise[10001] = -1.0F;
+    EXPECT_EQ(limit(noise)[0], noise);
+}
+
+TEST(LookaheadLimiter, KeepsOvershootsBelowTheLargest16BitSample)
+{
+    for (const double frequency : {40.0, 997.0, 9000.0}) {
+        const auto limited = limit(sine(30000, frequency, 1.41F));
+        EXPECT_LE(peakOf(limited[0]), ceiling) << frequency;
+        EXPECT_GT(peakOf(limited[0]), 0.95F) << frequency;
+    }
+}
+
+TEST(LookaheadLimiter, HoldsASinglePeakDownWithoutTouchingWhatIsFarFromIt)
+{
+    Signal signal = sine(44100, 440, 0.5F);
+    signal[22050] = 1.4F;
+    const auto limited = limit(signal);
+    EXPECT_LE(limited[0][22050], ceiling);
+    EXPECT_GT(limited[0][22050], 0.99F);
+    const auto lookahead = static_cast<std::ptrdiff_t>(LookaheadLimiter(stereo).latencyFrames());
+    EXPECT_TRUE(std::equal(signal.begin(), signal.begin() + 22050 - lookahead, limited[0].begin()));
+    constexpr std::ptrdiff_t released = 22050 + 8820;  // 0.2 s after the peak
+    EXPECT_TRUE(std::equal(signal.begin() + released, signal.end(), limited[0].begin() + released));
+}
+
+TEST(LookaheadLimiter, GivesAllChannelsTheSameGain)
+{
+    Signal signal = sine(20000, 300, 0.8F);
+    signal[9000] = 1.3F;
+    const auto limited = limit(signal);
+    for (std::size_t frame = 0; frame < signal.size(); ++frame) {
+        ASSERT_NEAR(limited[1][frame], limited[0][frame] * -0.5F, 1e-6F) << frame;
+    }
+}
+
+TEST(LookaheadLimiter, ChangesItsGainSmoothly)
+{
+    Signal signal(20000, 0.5F);
+    signal[10000] = 2.0F;
+    const auto limited = limit(signal);
+    for (std::size_t frame = 1; frame < signal.size(); ++frame) {
+        if (frame != 10000 && frame != 10001) {
+            // Half the gain within 220 frames: no step may be larger than a 200th of the level.
+            ASSERT_LT(std::abs(limited[0][frame] - limited[0][frame - 1]), 0.0025F) << frame;
+        }
+    }
+}
+
+TEST(LookaheadLimiter, DoesNotDependOnBlockSizes)
+{
+    const Signal signal = sine(10000, 60, 1.3F);
+    const auto expected = limit(signal, 4096);
+    for (const std::uint32_t blockFrames : {1U, 7U, 64U, 1000U}) {
+        EXPECT_EQ(limit(signal, blockFrames), expected) << blockFrames;
+    }
+}
+
+}  // namespace
+}  // namespace tonvale

@@ -1,0 +1,126 @@
+// SPDX-FileCopyrightText: 2026 The Tonvale Authors
+//
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "TonvaleRender/CommandLine.h"
+
+#include "TonvaleRender/UsageError.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace tonvale {
+namespace {
+
+CommandLine parse(std::vector<std::string> words)
+{
+    words.insert(words.begin(), "tonvale-render");
+    std::vector<char*> arguments;
+    for (std::string& word : words) {
+        arguments.push_back(word.data());
+    }
+    return parseCommandLine(arguments);
+}
+
+std::string refusalOf(const std::vector<std::string>& words)
+{
+    try {
+        (void)parse(words);
+    } catch (const UsageError& error) {
+        return error.errorDescription();
+    }
+    return "(accepted)";
+}
+
+TEST(CommandLine, TakesTheShortestWayBetweenTwoKeys)
+{
+    const RenderRequest request = parse({"Song.mp3", "--from", "C", "--to", "A minor"}).request;
+    EXPECT_EQ(request.input, "Song.mp3");
+    EXPECT_EQ(request.cents, -300);
+    EXPECT_EQ(request.targetKey, MusicKey::aMinor);
+    EXPECT_FALSE(request.output || request.replacesOutput || request.isQuiet);
+}
+
+TEST(CommandLine, TakesSemitonesWithAndWithoutSign)
+{
+    EXPECT_EQ(parse({"a", "--semitones", "3"}).request.cents, 300);
+    EXPECT_EQ(parse({"a", "--semitones", "+3"}).request.cents, 300);
+    EXPECT_EQ(parse({"a", "--semitones", "-6"}).request.cents, -600);
+    EXPECT_EQ(parse({"a", "--semitones=-6"}).request.cents, -600);
+    EXPECT_EQ(parse({"a", "--semitones", "0"}).request.cents, 0);
+    EXPECT_TRUE(parse({"a", "--semitones", "0"}).request.countsSemitones);
+}
+
+TEST(CommandLine, TakesCents)
+{
+    EXPECT_EQ(parse({"--cents", "-150", "a"}).request.cents, -150);
+    EXPECT_EQ(parse({"--cents", "600", "a"}).request.cents, 600);
+    EXPECT_FALSE(parse({"--cents", "100", "a"}).request.countsSemitones);
+}
+
+TEST(CommandLine, TakesOptionsInAnyOrderAndNamesWithADashAfterTwoDashes)
+{
+    const RenderRequest request =
+        parse({"--quiet", "-o", "out.wav", "--cents", "5", "--force", "--", "-song.wav"}).request;
+    EXPECT_EQ(request.input, "-song.wav");
+    EXPECT_EQ(request.output, "out.wav");
+    EXPECT_TRUE(request.replacesOutput);
+    EXPECT_TRUE(request.isQuiet);
+}
+
+TEST(CommandLine, PutsHelpAndVersionBeforeEverythingElse)
+{
+    EXPECT_EQ(parse({"--help"}).action, CommandLine::Action::showHelp);
+    EXPECT_EQ(parse({"--version", "--cents", "nonsense"}).action, CommandLine::Action::showVersion);
+    EXPECT_EQ(parse({"--version", "--help"}).action, CommandLine::Action::showHelp);
+    EXPECT_TRUE(helpText().starts_with("Usage: tonvale-render"));
+    EXPECT_EQ(versionText(), "tonvale-render 1.0.0\n");
+}
+
+TEST(CommandLine, RefusesNumbersOutOfRangeAndWhatIsNoNumber)
+{
+    for (const std::string value :
+         {"7", "-7", "1.5", "", "three", "3 ", "+-3", "--3", "99999999999", "0x3"}) {
+        EXPECT_NE(refusalOf({"a", "--semitones", value})
+                      .find("--semitones takes a whole number from -6 to 6"),
+                  std::string::npos)
+            << value;
+    }
+    EXPECT_NE(refusalOf({"a", "--cents", "601"}).find("from -600 to 600"), std::string::npos);
+}
+
+TEST(CommandLine, RefusesAShiftThatIsMissingHalfOrDouble)
+{
+    const std::string sayOne = "Say how far to shift: --from and --to, or --semitones, or --cents.";
+    EXPECT_EQ(refusalOf({"a"}), sayOne);
+    EXPECT_EQ(refusalOf({"a", "--from", "C"}), sayOne);
+    EXPECT_EQ(refusalOf({"a", "--to", "C"}), sayOne);
+    EXPECT_EQ(refusalOf({"a", "--cents", "1", "--semitones", "1"}), sayOne);
+    EXPECT_EQ(refusalOf({"a", "--from", "C", "--to", "D", "--cents", "1"}), sayOne);
+}
+
+TEST(CommandLine, RefusesWrongUseWithASentenceThatNamesIt)
+{
+    EXPECT_EQ(refusalOf({"--cents", "1"}), "Which song? Name one audio file.");
+    EXPECT_EQ(refusalOf({"My", "Song.mp3", "--cents", "1"}),
+              "Name one song only; names with blanks need quotes.");
+    EXPECT_EQ(refusalOf({"a", "--cents"}), "--cents needs a value.");
+    EXPECT_EQ(refusalOf({"a", "-o"}), "-o needs a value.");
+    EXPECT_EQ(refusalOf({"a", "--loud"}), "--loud is not an option.");
+    EXPECT_EQ(refusalOf({"a", "-x"}), "-x is not an option.");
+    EXPECT_EQ(refusalOf({"a", "--quiet=yes"}), "--quiet=yes is not an option.");
+    EXPECT_EQ(refusalOf({"a", "--cents", "1", "--cents", "2"}), "--cents is given twice.");
+    EXPECT_NE(refusalOf({"a", "--from", "H", "--to", "C"}).find("write B for H"),
+              std::string::npos);
+}
+
+TEST(CommandLine, RefusesAnEmptyCommandLineInsteadOfFailing)
+{
+    EXPECT_THROW((void)parseCommandLine({}), UsageError);
+    EXPECT_EQ(refusalOf({}), "Which song? Name one audio file.");
+}
+
+}  // namespace
+}  // namespace tonvale
