@@ -5,14 +5,15 @@
 #include "Support/Program.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <signal.h>
-#include <sys/mman.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <array>
 #include <cerrno>
 #include <system_error>
+#include <utility>
 
 namespace tonvale::test {
 
@@ -38,31 +39,62 @@ namespace {
     ::_exit(127);
 }
 
-std::string contentOf(int descriptor)
+struct Pipe {
+    FileDescriptor readEnd;
+    FileDescriptor writeEnd;
+};
+
+Pipe makePipe()
 {
-    std::string content;
-    std::array<char, 4096> part{};
-    ::lseek(descriptor, 0, SEEK_SET);
-    for (ssize_t count = 0; (count = ::read(descriptor, part.data(), part.size())) > 0;) {
-        content.append(part.data(), static_cast<std::size_t>(count));
+    std::array<int, 2> ends{};
+    if (::pipe2(ends.data(), O_CLOEXEC) != 0) {
+        throw std::system_error(errno, std::generic_category(), "pipe");
     }
-    return content;
+    return {FileDescriptor(ends[0]), FileDescriptor(ends[1])};
+}
+
+/// Appends what there is to read. @return false at the end
+bool readSome(int descriptor, std::string& text)
+{
+    std::array<char, 4096> part{};
+    const ssize_t count = ::read(descriptor, part.data(), part.size());
+    if (count > 0) {
+        text.append(part.data(), static_cast<std::size_t>(count));
+    }
+    return count > 0 || (count < 0 && errno == EINTR);
+}
+
+/// Reads both to their ends, whichever has something first, so that neither can fill up.
+void readBoth(int output, int error, ProgramResult& result)
+{
+    std::array<pollfd, 2> polls{{{output, POLLIN, 0}, {error, POLLIN, 0}}};
+    while (polls[0].fd >= 0 || polls[1].fd >= 0) {
+        ::poll(polls.data(), polls.size(), -1);
+        if (polls[0].revents != 0 && !readSome(output, result.standardOutput)) {
+            polls[0].fd = -1;  // poll ignores it from now on
+        }
+        if (polls[1].revents != 0 && !readSome(error, result.standardError)) {
+            polls[1].fd = -1;
+        }
+    }
 }
 
 }  // namespace
 
 RunningProgram::RunningProgram(const std::vector<std::string>& arguments,
                                const ProgramOptions& options)
-    : output_(::memfd_create("output", MFD_CLOEXEC))
-    , error_(::memfd_create("error", MFD_CLOEXEC))
 {
+    Pipe output = makePipe();
+    Pipe error = makePipe();
     process_ = ::fork();
     if (process_ == 0) {
-        become(arguments, options, output_, error_);
+        become(arguments, options, output.writeEnd.get(), error.writeEnd.get());
     }
     if (process_ < 0) {
         throw std::system_error(errno, std::generic_category(), "fork");
     }
+    output_ = std::move(output.readEnd);
+    error_ = std::move(error.readEnd);
 }
 
 RunningProgram::~RunningProgram()
@@ -71,8 +103,6 @@ RunningProgram::~RunningProgram()
         ::kill(process_, SIGKILL);
         ::waitpid(process_, nullptr, 0);
     }
-    ::close(output_);
-    ::close(error_);
 }
 
 void RunningProgram::sendSignal(int signalNumber) const
@@ -82,15 +112,14 @@ void RunningProgram::sendSignal(int signalNumber) const
 
 ProgramResult RunningProgram::wait()
 {
+    ProgramResult result;
+    readBoth(output_.get(), error_.get(), result);
     int status = 0;
     while (::waitpid(process_, &status, 0) < 0 && errno == EINTR) {
     }
     process_ = -1;
-    ProgramResult result;
     result.exitStatus = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     result.signalNumber = WIFSIGNALED(status) ? WTERMSIG(status) : 0;
-    result.standardOutput = contentOf(output_);
-    result.standardError = contentOf(error_);
     return result;
 }
 

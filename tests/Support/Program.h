@@ -4,6 +4,8 @@
 
 #pragma once
 
+#include "Platform/Foundation/FileDescriptor.h"
+
 #include <sys/types.h>
 
 #include <filesystem>
@@ -25,7 +27,7 @@ struct ProgramOptions {
     std::function<void()> prepare = [] {};  ///< runs in the new process just before the program
 };
 
-/// A program running beside the test, its output going into files.
+/// A program running beside the test.
 class RunningProgram {
 public:
     RunningProgram(const std::vector<std::string>& arguments, const ProgramOptions& options);
@@ -39,8 +41,8 @@ public:
 
 private:
     pid_t process_ = -1;
-    int output_ = -1;
-    int error_ = -1;
+    FileDescriptor output_;  // our ends of the program's pipes
+    FileDescriptor error_;
 };
 
 /// Runs a program to its end, without a shell and with no standard input.

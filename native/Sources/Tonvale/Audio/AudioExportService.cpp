@@ -52,6 +52,15 @@ AudioFileSettings settingsFor(const AudioFormat& format)
     return settings;
 }
 
+/// Replaces whatever file is there.
+AudioFile createDestination(const std::filesystem::path& url, const AudioFileSettings& settings)
+{
+    if (fileExists(url)) {
+        removeFile(url);
+    }
+    return AudioFile::forWriting(url, settings);
+}
+
 std::uint32_t wholeLength(const AudioFile& source)
 {
     precondition(source.length() >= 0
@@ -87,12 +96,8 @@ void AudioExportService::render(const std::filesystem::path& sourceURL,
     engine.attach(player);
     engine.attach(pitchUnit);
 
-    const AudioFileSettings settings = settingsFor(source->processingFormat());
-    if (fileExists(destinationURL)) {
-        removeFile(destinationURL);
-    }
-    AudioFile destination = AudioFile::forWriting(destinationURL, settings);
-
+    AudioFile destination =
+        createDestination(destinationURL, settingsFor(source->processingFormat()));
     engine.connect(player, pitchUnit, source->processingFormat());
     engine.connect(pitchUnit, engine.mainMixerNode(), destination.processingFormat());
     engine.enableManualRenderingMode(AudioEngineManualRenderingMode::offline,

@@ -46,6 +46,7 @@ std::uint32_t latencyOf(const RubberBandStretcher& stretcher)
 std::vector<float*> pointersTo(std::vector<std::vector<float>>& channels, std::size_t offset)
 {
     std::vector<float*> pointers;
+    pointers.reserve(channels.size());
     for (auto& channel : channels) {
         pointers.push_back(channel.data() + offset);
     }
