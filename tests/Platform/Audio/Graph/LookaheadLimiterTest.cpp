@@ -24,7 +24,7 @@ using Signal = std::vector<float>;
 /// latency.
 std::vector<Signal> limit(const Signal& left, std::uint32_t blockFrames = 256)
 {
-    LookaheadLimiter limiter(stereo);
+    LookaheadLimiter limiter(stereo, blockFrames);
     Signal padded = left;
     padded.resize(left.size() + limiter.latencyFrames());
     std::vector<Signal> result(2);
@@ -98,7 +98,7 @@ TEST(LookaheadLimiter, HoldsASinglePeakDownWithoutTouchingWhatIsFarFromIt)
     const auto limited = limit(signal);
     EXPECT_LE(limited[0][22050], ceiling);
     EXPECT_GT(limited[0][22050], 0.99F);
-    const auto lookahead = static_cast<std::ptrdiff_t>(LookaheadLimiter(stereo).latencyFrames());
+    const auto lookahead = static_cast<std::ptrdiff_t>(LookaheadLimiter(stereo, 1).latencyFrames());
     EXPECT_TRUE(std::equal(signal.begin(), signal.begin() + 22050 - lookahead, limited[0].begin()));
     constexpr std::ptrdiff_t released = 22050 + 8820;  // 0.2 s after the peak
     EXPECT_TRUE(std::equal(signal.begin() + released, signal.end(), limited[0].begin() + released));

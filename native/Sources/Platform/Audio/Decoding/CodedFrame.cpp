@@ -25,10 +25,9 @@ constexpr std::array<BitRates, 3> bitRatesOfVersion2 = {{
     {0, 8, 16, 24, 32, 40, 48, 56, 64, 80, 96, 112, 128, 144, 160, 0},
 }};
 constexpr std::array<int, 3> mpegSampleRates = {44100, 48000, 32000};
-constexpr std::array<int, 13> adtsSampleRates
-    = {96000, 88200, 64000, 48000, 44100, 32000, 24000, 22050, 16000, 12000, 11025, 8000, 7350};
-constexpr std::array<AVCodecID, 3> mpegCodecs
-    = {AV_CODEC_ID_MP1, AV_CODEC_ID_MP2, AV_CODEC_ID_MP3};
+constexpr std::array<int, 13> adtsSampleRates = {96000, 88200, 64000, 48000, 44100, 32000, 24000,
+                                                 22050, 16000, 12000, 11025, 8000,  7350};
+constexpr std::array<AVCodecID, 3> mpegCodecs = {AV_CODEC_ID_MP1, AV_CODEC_ID_MP2, AV_CODEC_ID_MP3};
 
 std::uint32_t bigEndian32(std::span<const std::uint8_t> b)
 {
@@ -133,8 +132,8 @@ std::int64_t tagSize(std::span<const std::uint8_t> bytes)
     }
     if (beginsWith(bytes, "APETAGEX") && bytes.size() >= tagHeaderSize) {
         const bool isHeader = (bytes[23] & 0x20) != 0;  // else the footer: its items lie before it
-        const std::int64_t body = bytes[12] | bytes[13] << 8 | bytes[14] << 16
-                                  | std::int64_t{bytes[15]} << 24;
+        const std::int64_t body =
+            bytes[12] | bytes[13] << 8 | bytes[14] << 16 | std::int64_t{bytes[15]} << 24;
         return isHeader ? body + 32 : 32;
     }
     return beginsWith(bytes, "TAG") ? 128 : 0;

@@ -16,11 +16,11 @@ namespace tonvale {
 /// What the header of a self-contained audio frame (MPEG audio, ADTS) says.
 struct CodedFrameHeader {
     AVCodecID codec = AV_CODEC_ID_NONE;
-    std::int64_t size = 0;     ///< bytes, header included
-    std::int64_t frames = 0;   ///< frames it decodes to, at sampleRate
+    std::int64_t size = 0;    ///< bytes, header included
+    std::int64_t frames = 0;  ///< frames it decodes to, at sampleRate
     int sampleRate = 0;
-    bool isMono = false;       ///< MPEG audio only: moves the Xing tag
-    std::uint32_t kind = 0;    ///< header bits that stay the same throughout a stream
+    bool isMono = false;     ///< MPEG audio only: moves the Xing tag
+    std::uint32_t kind = 0;  ///< header bits that stay the same throughout a stream
 
     friend bool operator==(const CodedFrameHeader&, const CodedFrameHeader&) = default;
 };
@@ -32,8 +32,8 @@ inline constexpr std::size_t codedFrameHeaderSize = 7;
 /// @return nothing when there is none, or one that cannot be (free bit rate included)
 using CodedFrameParser = std::optional<CodedFrameHeader> (*)(std::span<const std::uint8_t> bytes);
 
-[[nodiscard]] std::optional<CodedFrameHeader>
-parseMpegAudioHeader(std::span<const std::uint8_t> bytes);
+[[nodiscard]] std::optional<CodedFrameHeader> parseMpegAudioHeader(
+    std::span<const std::uint8_t> bytes);
 [[nodiscard]] std::optional<CodedFrameHeader> parseAdtsHeader(std::span<const std::uint8_t> bytes);
 
 /// The length of the tag that begins with `bytes` (at least 10), 0 if none does:

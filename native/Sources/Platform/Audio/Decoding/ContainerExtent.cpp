@@ -106,8 +106,8 @@ HeaderExtent mp4Extent(const ContainerFacts& facts, const DecodedFormat& format)
     extent.start = toFrames(timing->edit->mediaStart, facts.tickDuration, format);
     if (timing->edit->duration > 0) {
         const std::int64_t movieTicks = timing->movieTicksPerSecond;
-        const std::int64_t editEnd
-            = extent.start + av_rescale(timing->edit->duration, format.sampleRate, movieTicks);
+        const std::int64_t editEnd =
+            extent.start + av_rescale(timing->edit->duration, format.sampleRate, movieTicks);
         const std::int64_t oneTick = (format.sampleRate - 1) / movieTicks + 1;
         if (!extent.end || *extent.end - editEnd >= std::max<std::int64_t>(oneTick, 2)) {
             extent.end = editEnd;
@@ -120,12 +120,11 @@ HeaderExtent mp4Extent(const ContainerFacts& facts, const DecodedFormat& format)
 HeaderExtent oggExtent(const ContainerFacts& facts, const DecodedFormat& format)
 {
     const AVCodecParameters& parameters = *facts.stream.codecpar;
-    const std::int64_t start
-        = facts.stream.start_time == noTimeStamp ? 0 : facts.stream.start_time;
+    const std::int64_t start = facts.stream.start_time == noTimeStamp ? 0 : facts.stream.start_time;
     HeaderExtent extent = {.start = toFrames(start, facts.tickDuration, format)};
     if (const auto duration = known(facts.duration)) {
-        const std::int64_t skip
-            = parameters.codec_id == AV_CODEC_ID_OPUS ? parameters.initial_padding : 0;
+        const std::int64_t skip =
+            parameters.codec_id == AV_CODEC_ID_OPUS ? parameters.initial_padding : 0;
         extent.end = toFrames(start + *duration - skip, facts.tickDuration, format);
     }
     return extent;
@@ -135,11 +134,28 @@ HeaderExtent cafExtent(const ContainerFacts& facts, const DecodedFormat& format)
 {
     const auto info = CafPacketInfo::parse(facts.input);
     if (!info) {
-        return {.end = known(toFrames(std::max<std::int64_t>(facts.duration, 0),
-                                      facts.tickDuration, format))};
+        return {.end = known(toFrames(std::max<std::int64_t>(facts.duration, 0), facts.tickDuration,
+                                      format))};
     }
     return {.start = toFrames(info->primingFrames, facts.tickDuration, format),
             .end = toFrames(info->primingFrames + info->validFrames, facts.tickDuration, format)};
+}
+
+/// The first block of WMA is decoded from half its data, so no encoder puts music there. How much
+/// more the encoder added, the container does not say, and its length counts whole packets.
+HeaderExtent asfExtent(const ContainerFacts& facts, const DecodedFormat& format)
+{
+    HeaderExtent extent;
+    const AVCodecID codec = facts.stream.codecpar->codec_id;
+    if (codec == AV_CODEC_ID_WMAV1 || codec == AV_CODEC_ID_WMAV2) {
+        const bool isSlow = format.sampleRate <= 22050
+                            || (format.sampleRate <= 32000 && codec == AV_CODEC_ID_WMAV1);
+        extent.start = format.sampleRate <= 16000 ? 512 : (isSlow ? 1024 : 2048);
+    }
+    if (facts.duration > 0) {
+        extent.end = extent.start + toFrames(facts.duration, facts.tickDuration, format);
+    }
+    return extent;
 }
 
 /// FLAC carries its own length into containers that count in milliseconds.
@@ -174,28 +190,28 @@ HeaderExtent anyExtent(const ContainerFacts& facts, const DecodedFormat& format)
     if (const auto frames = flacFrames(*facts.stream.codecpar)) {
         return {.end = frames};
     }
-    if (isOneOf({"flac", "wv", "tta", "ape", "tak", "asf"}) && facts.duration > 0) {
+    if (isOneOf({"asf"})) {
+        return asfExtent(facts, format);
+    }
+    if (isOneOf({"flac", "wv", "tta", "ape", "tak"}) && facts.duration > 0) {
         return {.end = toFrames(facts.duration, facts.tickDuration, format)};
     }
     const int padding = facts.stream.codecpar->initial_padding;
     return {.start = std::max(padding, 0)};
 }
 
-bool isCredible(std::int64_t frames, const ContainerFacts& facts, const DecodedFormat& format)
+bool isCredible(std::int64_t frames, std::int64_t fileSize, const DecodedFormat& format)
 {
-    return frames / format.sampleRate <= facts.input.size() / fewestBytesPerSecond + 1;
+    return frames / format.sampleRate <= fileSize / fewestBytesPerSecond + 1;
 }
 
 /// Frames to drop at the end, where a container marks its last packet so.
 std::int64_t endDiscard(const AVPacket& packet)
 {
     std::size_t size = 0;
-    const std::uint8_t* const data
-        = av_packet_get_side_data(&packet, AV_PKT_DATA_SKIP_SAMPLES, &size);
-    if (data == nullptr || size < 8) {
-        return 0;
-    }
-    return data[4] | data[5] << 8 | data[6] << 16 | std::int64_t{data[7]} << 24;
+    const std::uint8_t* const data =
+        av_packet_get_side_data(&packet, AV_PKT_DATA_SKIP_SAMPLES, &size);
+    return endDiscardOf(data, size);
 }
 
 }  // namespace
@@ -206,31 +222,35 @@ HeaderExtent headerExtent(const ContainerFacts& facts, const DecodedFormat& form
         return {.end = linearFrames(facts)};
     }
     HeaderExtent extent = anyExtent(facts, format);
-    if (extent.end && !isCredible(*extent.end, facts, format)) {
+    if (extent.end && !isCredible(*extent.end, facts.input.size(), format)) {
         extent.end.reset();
+    }
+    if (extent.start < 0 || !isCredible(extent.start, facts.input.size(), format)) {
+        extent.start = 0;
     }
     return extent;
 }
 
-std::int64_t scanForEnd(PacketSource& source, const DecodedFormat& format)
+std::int64_t scanForEnd(PacketSource& source, std::int64_t fileSize, const DecodedFormat& format)
 {
     PacketDuration durations(source.parameters(), format);
     const UniquePacket packet = makePacket();
-    std::int64_t end = 0;
+    std::int64_t counted = 0;
+    std::int64_t stamped = 0;
     std::int64_t discard = 0;
     while (source.next(*packet)) {
-        std::int64_t frames = durations.framesOf(*packet);
-        if (frames <= 0) {
-            frames = toFrames(packet->duration, source.tickDuration(), format);
-        }
-        if (source.hasExactStamps() && packet->pts != noTimeStamp) {
+        const std::int64_t frames = durations.framesOf(*packet).value_or(
+            toFrames(packet->duration, source.tickDuration(), format));
+        counted += frames;
+        if (packet->pts != noTimeStamp) {
             const std::int64_t start = toFrames(packet->pts, source.tickDuration(), format);
-            end = std::max(end, start + frames);
-        } else {
-            end += frames;
+            if (isCredible(start, fileSize, format)) {
+                stamped = std::max(stamped, start + frames);
+            }
         }
         discard = endDiscard(*packet);
     }
+    const std::int64_t end = source.hasExactStamps() ? stamped : counted;
     return std::max<std::int64_t>(end - discard, 0);
 }
 

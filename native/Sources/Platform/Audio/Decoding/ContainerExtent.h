@@ -30,9 +30,9 @@ struct ContainerFacts {
 
 /// The extent in a container's own words.
 struct HeaderExtent {
-    std::int64_t start = 0;           ///< raw frames
-    std::optional<std::int64_t> end = {};  ///< raw frames; nothing when the container does not tell,
-                                           ///< or cannot be believed for its size
+    std::int64_t start = 0;                ///< raw frames
+    std::optional<std::int64_t> end = {};  ///< raw frames; nothing when the container does not
+                                           ///< tell, or cannot be believed for its size
 };
 
 /// @error PlatformError when the disk fails
@@ -40,7 +40,9 @@ struct HeaderExtent {
 
 /// The end of the music by adding up all packets, without decoding them.
 /// @param source  at its first packet; left at its end
+/// @param fileSize  bytes; stamps that lie beyond all reason for it are passed over
 /// @return raw frames                  @error PlatformError when the disk fails
-[[nodiscard]] std::int64_t scanForEnd(PacketSource& source, const DecodedFormat& format);
+[[nodiscard]] std::int64_t scanForEnd(PacketSource& source, std::int64_t fileSize,
+                                      const DecodedFormat& format);
 
 }  // namespace tonvale

@@ -32,9 +32,9 @@ bool isLinear(const AVCodecParameters& parameters)
 /// Decoders of which CodecMemory knows how far back they remember.
 bool hasKnownMemory(const AVCodecParameters& parameters)
 {
-    constexpr std::array known
-        = {AV_CODEC_ID_MP3,    AV_CODEC_ID_AAC,  AV_CODEC_ID_ALAC,    AV_CODEC_ID_FLAC,
-           AV_CODEC_ID_VORBIS, AV_CODEC_ID_OPUS, AV_CODEC_ID_WAVPACK, AV_CODEC_ID_TTA};
+    constexpr std::array known = {AV_CODEC_ID_MP3,     AV_CODEC_ID_AAC,    AV_CODEC_ID_ALAC,
+                                  AV_CODEC_ID_FLAC,    AV_CODEC_ID_VORBIS, AV_CODEC_ID_OPUS,
+                                  AV_CODEC_ID_WAVPACK, AV_CODEC_ID_TTA};
     return isLinear(parameters) || std::ranges::find(known, parameters.codec_id) != known.end();
 }
 
@@ -128,11 +128,11 @@ MusicExtent ContainerSource::extent(const DecodedFormat& format)
     std::int64_t end = header.end.value_or(0);
     if (!header.end) {
         rewind();
-        end = scanForEnd(*this, format);
+        end = scanForEnd(*this, input_.size(), format);
     } else if (parameters().codec_id == AV_CODEC_ID_ALAC && hasExactStamps()) {
         // Packet tables may count the last packet as full; the packet itself knows better.
         seek(av_rescale_q(end - 1, AVRational{1, format.sampleRate}, tickDuration()));
-        const std::int64_t lastEnd = scanForEnd(*this, format);
+        const std::int64_t lastEnd = scanForEnd(*this, input_.size(), format);
         end = lastEnd > 0 ? std::min(end, lastEnd) : end;
     }
     return {.start = header.start, .length = std::max<std::int64_t>(end - header.start, 0)};
@@ -160,12 +160,12 @@ void ContainerSource::open()
     }
     AVDictionary* options = makeOptions();
     const int result = avformat_open_input(&context, input_.name().c_str(), &format_, &options);
+    context_.reset(context);  // nothing when it failed
     av_dict_free(&options);
     input_.throwIfFailed();
     if (result < 0) {
         throw decoderError(result);
     }
-    context_.reset(context);
     dataOffset_ = avio_tell(io_.get());
     chooseStream();
 }
@@ -266,8 +266,8 @@ std::int64_t ContainerSource::durationOf(const AVPacket& packet) const
 bool ContainerSource::landsBefore(std::int64_t tick, std::int64_t target)
 {
     const bool isByBytes = stamping_ == Stamping::byBytes;
-    const std::int64_t place = isByBytes ? dataOffset_ + std::max<std::int64_t>(tick, 0) * frameSize_
-                                         : tick;
+    const std::int64_t place =
+        isByBytes ? dataOffset_ + std::max<std::int64_t>(tick, 0) * frameSize_ : tick;
     const int flags = isByBytes ? AVSEEK_FLAG_BYTE : AVSEEK_FLAG_BACKWARD;
     hasPending_ = false;
     runningTick_ = noTimeStamp;

@@ -50,11 +50,11 @@ private:
     UniqueFormatContext context_;
     int streamIndex_ = -1;
     Stamping stamping_ = Stamping::none;
-    std::int64_t dataOffset_ = 0;  ///< of the first packet, bytes
+    std::int64_t dataOffset_ = 0;              ///< of the first packet, bytes
     std::int64_t dataDuration_ = noTimeStamp;  ///< as the header says, ticks
-    int frameSize_ = 0;            ///< bytes; linear PCM only
+    int frameSize_ = 0;                        ///< bytes; linear PCM only
 
-    UniquePacket pending_;         ///< the packet that a seek looked at
+    UniquePacket pending_;  ///< the packet that a seek looked at
     bool hasPending_ = false;
     std::int64_t runningTick_ = noTimeStamp;  ///< where the next packet begins if it does not say
     std::int64_t packetBudget_ = 0;  ///< packets that may still come; ends loops of damaged files

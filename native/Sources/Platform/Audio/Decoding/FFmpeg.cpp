@@ -64,6 +64,14 @@ UniqueCodecParameters makeCodecParameters()
     return orOutOfMemory(UniqueCodecParameters(avcodec_parameters_alloc()));
 }
 
+std::int64_t endDiscardOf(const std::uint8_t* data, std::size_t size) noexcept
+{
+    if (data == nullptr || size < 8) {
+        return 0;
+    }
+    return data[4] | data[5] << 8 | data[6] << 16 | std::int64_t{data[7]} << 24;
+}
+
 int errorFromErrno(int errorNumber) noexcept
 {
     return -errorNumber;  // what the library's own macro does on POSIX systems

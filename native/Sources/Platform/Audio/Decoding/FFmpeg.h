@@ -20,6 +20,7 @@ extern "C" {
 #include <libswresample/swresample.h>
 }
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <utility>
@@ -100,6 +101,10 @@ private:
 [[nodiscard]] UniquePacket makePacket();
 [[nodiscard]] UniqueFrame makeFrame();
 [[nodiscard]] UniqueCodecParameters makeCodecParameters();
+
+/// The frames to drop at the end that "skip samples" side data asks for.
+/// @param data  may be null
+[[nodiscard]] std::int64_t endDiscardOf(const std::uint8_t* data, std::size_t size) noexcept;
 
 /// The library's error number for a value of `errno`.
 [[nodiscard]] int errorFromErrno(int errorNumber) noexcept;

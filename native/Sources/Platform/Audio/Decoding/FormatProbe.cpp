@@ -15,10 +15,10 @@ namespace tonvale {
 
 namespace {
 
-constexpr const char* musicContainers
-    = "aac,ac3,aiff,amr,ape,asf,au,avi,caf,dsf,dts,dtshd,eac3,flac,flv,iff,ircam,loas,"
-      "matroska,webm,mlp,mov,mp4,m4a,3gp,3g2,mj2,mp3,mpc,mpc8,mpeg,mpegts,nistsphere,ogg,oma,"
-      "rm,shn,sox,tak,truehd,tta,voc,w64,wav,wv,xwma";
+constexpr const char* musicContainers =
+    "aac,ac3,aiff,amr,ape,asf,au,avi,caf,dsf,dts,dtshd,eac3,flac,flv,iff,ircam,loas,"
+    "matroska,webm,mlp,mov,mp4,m4a,3gp,3g2,mj2,mp3,mpc,mpc8,mpeg,mpegts,nistsphere,ogg,oma,"
+    "rm,shn,sox,tak,truehd,tta,voc,w64,wav,wv,xwma";
 
 /// Most files show what they are at once; bare frames behind junk need more.
 constexpr std::array<std::size_t, 3> probeSizes = {4096, 65536, 1048576};

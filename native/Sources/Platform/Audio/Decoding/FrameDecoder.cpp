@@ -89,6 +89,22 @@ bool FrameDecoder::receive()
     return false;
 }
 
+/// The length of a Vorbis packet depends on the packet before, which the library's Ogg reader
+/// forgets at each page: it stamps the first packet of a page too late, and takes it for shorter
+/// by as much. So a block of Vorbis is placed by its end, before the last packet of all was
+/// shortened to that of the music; there one tick is one frame.
+std::int64_t FrameDecoder::timeStamp() const noexcept
+{
+    const bool isVorbis = parameters_->codec_id == AV_CODEC_ID_VORBIS;
+    if (!isVorbis || frame_->pts == noTimeStamp || frame_->pkt_duration <= 0) {
+        return frame_->pts;
+    }
+    const AVFrameSideData* const skip =
+        av_frame_get_side_data(frame_.get(), AV_FRAME_DATA_SKIP_SAMPLES);
+    const std::int64_t discard = skip == nullptr ? 0 : endDiscardOf(skip->data, skip->size);
+    return frame_->pts + frame_->pkt_duration + discard - frame_->nb_samples;
+}
+
 bool FrameDecoder::isAudible() const noexcept
 {
     return frame_->sample_rate == format_.sampleRate;
@@ -116,6 +132,14 @@ void FrameDecoder::adoptFormat()
                .channelCount = frame_->ch_layout.nb_channels,
                .framesPerPacket = frame_->nb_samples};
     layout_ = ChannelLayout(frame_->ch_layout);
+}
+
+bool FrameDecoder::adoptDeclaredFormat() noexcept
+{
+    format_ = {.sampleRate = parameters_->sample_rate,
+               .channelCount = parameters_->ch_layout.nb_channels,
+               .framesPerPacket = 0};
+    return format_.sampleRate > 0 && format_.channelCount > 0;
 }
 
 bool FrameDecoder::isAlreadyConverted() const noexcept
@@ -151,13 +175,13 @@ bool FrameDecoder::prepareResampler()
 {
     const auto inputFormat = static_cast<AVSampleFormat>(frame_->format);
     ChannelLayout inputLayout(frame_->ch_layout);
-    if (resampler_ && inputFormat == resamplerFormat_
-        && inputLayout.isSameAs(resamplerLayout_)) {
+    if (resampler_ && inputFormat == resamplerFormat_ && inputLayout.isSameAs(resamplerLayout_)) {
         return true;
     }
     SwrContext* made = nullptr;
-    int result = swr_alloc_set_opts2(&made, layout_.get(), AV_SAMPLE_FMT_FLTP, format_.sampleRate,
-                                     inputLayout.get(), inputFormat, format_.sampleRate, 0, nullptr);
+    int result =
+        swr_alloc_set_opts2(&made, layout_.get(), AV_SAMPLE_FMT_FLTP, format_.sampleRate,
+                            inputLayout.get(), inputFormat, format_.sampleRate, 0, nullptr);
     resampler_.reset(made);
     if (result >= 0) {
         result = swr_init(resampler_.get());

@@ -38,8 +38,12 @@ public:
 
     [[nodiscard]] const DecodedFormat& format() const noexcept { return format_; }
 
+    /// Takes the format that the container tells, for want of a frame to tell it.
+    /// @return false when the container does not tell
+    [[nodiscard]] bool adoptDeclaredFormat() noexcept;
+
     /// Of the current block: the time stamp it got from its packet, or noTimeStamp.
-    [[nodiscard]] std::int64_t timeStamp() const noexcept { return frame_->pts; }
+    [[nodiscard]] std::int64_t timeStamp() const noexcept;
     [[nodiscard]] std::int64_t frameCount() const noexcept { return frame_->nb_samples; }
 
     /// Whether the current block can be heard: one of another sample rate than format()'s cannot.
@@ -69,9 +73,9 @@ private:
 
     enum class Conversion { pending, done, failed };
     Conversion conversion_ = Conversion::pending;
-    std::vector<float> converted_;         ///< channel after channel, `stride_` apart
-    std::vector<std::uint8_t*> planes_;    ///< of converted_
-    std::size_t stride_ = 0;               ///< samples
+    std::vector<float> converted_;       ///< channel after channel, `stride_` apart
+    std::vector<std::uint8_t*> planes_;  ///< of converted_
+    std::size_t stride_ = 0;             ///< samples
 };
 
 }  // namespace tonvale

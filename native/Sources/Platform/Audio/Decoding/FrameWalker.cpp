@@ -98,8 +98,8 @@ bool FrameWalker::isFollowedBySame(const CodedFrameHeader& header)
 std::int64_t FrameWalker::distanceToNextCandidate()
 {
     const auto bytes = window(offset_ + 1, bufferSize / 2);
-    const void* const found
-        = bytes.empty() ? nullptr : std::memchr(bytes.data(), 0xFF, bytes.size());
+    const void* const found =
+        bytes.empty() ? nullptr : std::memchr(bytes.data(), 0xFF, bytes.size());
     if (found == nullptr) {
         return 1 + static_cast<std::int64_t>(bytes.size());
     }

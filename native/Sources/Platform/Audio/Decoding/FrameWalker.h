@@ -51,8 +51,8 @@ private:
     LocalInput& input_;
     CodedFrameParser parser_;
     std::int64_t offset_ = 0;
-    std::uint32_t kind_ = 0;   ///< of the last frame; 0 before the first
-    bool isInStep_ = false;    ///< offset_ is where the last frame ended
+    std::uint32_t kind_ = 0;  ///< of the last frame; 0 before the first
+    bool isInStep_ = false;   ///< offset_ is where the last frame ended
 
     std::vector<std::uint8_t> buffer_;
     std::int64_t bufferOffset_ = 0;

@@ -154,8 +154,8 @@ std::int64_t FramedSource::countedEnd()
     while (nextMusicFrame()) {
     }
     const std::int64_t partFrames = tick_ - lastTagTick_;
-    const bool isWhole = lastTag_.packetCount
-                         && *lastTag_.packetCount * first_.header.frames == partFrames;
+    const bool isWhole =
+        lastTag_.packetCount && *lastTag_.packetCount * first_.header.frames == partFrames;
     const std::int64_t end = isWhole ? tick_ - lastTag_.endPadding : tick_;
     rewind();
     return end;

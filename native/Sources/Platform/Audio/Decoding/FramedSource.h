@@ -44,12 +44,12 @@ private:
     FrameWalker walker_;
     UniqueCodecParameters parameters_;
     PacketTable table_;
-    FrameWalker::Found first_;              ///< the first frame of all
-    std::optional<Mp3InfoTag> firstTag_;    ///< if the file begins with one
-    std::int64_t tick_ = 0;                 ///< of the next frame
+    FrameWalker::Found first_;            ///< the first frame of all
+    std::optional<Mp3InfoTag> firstTag_;  ///< if the file begins with one
+    std::int64_t tick_ = 0;               ///< of the next frame
 
-    Mp3InfoTag lastTag_;                    ///< of the last part of joined files
-    std::int64_t lastTagTick_ = 0;          ///< where that part begins
+    Mp3InfoTag lastTag_;            ///< of the last part of joined files
+    std::int64_t lastTagTick_ = 0;  ///< where that part begins
 };
 
 }  // namespace tonvale

@@ -77,10 +77,10 @@ UniqueIOContext LocalInput::makeContext()
 {
     cursor_ = 0;
     auto* const buffer = static_cast<std::uint8_t*>(av_malloc(contextBufferSize));
-    AVIOContext* const context
-        = buffer == nullptr ? nullptr
-                            : avio_alloc_context(buffer, contextBufferSize, 0, this, &readPacket,
-                                                 nullptr, &seekPacket);
+    AVIOContext* const context = buffer == nullptr
+                                     ? nullptr
+                                     : avio_alloc_context(buffer, contextBufferSize, 0, this,
+                                                          &readPacket, nullptr, &seekPacket);
     if (context == nullptr) {
         av_free(buffer);
         throw decoderError(outOfMemoryError);
@@ -98,8 +98,8 @@ void LocalInput::throwIfFailed() const
 int LocalInput::readPacket(void* opaque, std::uint8_t* data, int count)
 {
     auto& input = *static_cast<LocalInput*>(opaque);
-    const std::int64_t result
-        = input.readSome(input.cursor_, data, static_cast<std::size_t>(std::max(count, 0)));
+    const std::int64_t result =
+        input.readSome(input.cursor_, data, static_cast<std::size_t>(std::max(count, 0)));
     if (result <= 0) {
         return result == 0 ? endOfFileError : errorFromErrno(static_cast<int>(-result));
     }

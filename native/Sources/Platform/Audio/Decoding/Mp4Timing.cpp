@@ -116,9 +116,8 @@ std::optional<Mp4Timing::Edit> readEdits(const Mp4Boxes& boxes, const Box& list)
             break;
         }
         const std::int64_t duration = isLong ? boxes.read64(entry) : boxes.read32(entry);
-        const std::int64_t start = isLong
-                                       ? boxes.read64(entry + 8)
-                                       : static_cast<std::int32_t>(boxes.read32(entry + 4));
+        const std::int64_t start =
+            isLong ? boxes.read64(entry + 8) : static_cast<std::int32_t>(boxes.read32(entry + 4));
         if (start < 0 || duration < 0 || duration > std::int64_t{1} << 50U) {
             continue;
         }

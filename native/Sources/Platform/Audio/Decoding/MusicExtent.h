@@ -10,7 +10,7 @@ namespace tonvale {
 
 /// What the first decoded packet shows; containers can be wrong (some AAC doubles its rate).
 struct DecodedFormat {
-    int sampleRate = 0;       ///< frames per second
+    int sampleRate = 0;  ///< frames per second
     int channelCount = 0;
     int framesPerPacket = 0;  ///< of the first packet that gave any
 };

@@ -29,12 +29,12 @@ MusicStream::MusicStream(std::unique_ptr<LocalInput> input)
     , decoder_(std::make_unique<FrameDecoder>(source_->parameters(), source_->tickDuration()))
     , packet_(makePacket())
 {
-    decodeFirstBlock();
+    const bool holdsMusic = decodeFirstBlock();
     const DecodedFormat& decoded = decoder_->format();
     format_ = {.sampleRate = static_cast<double>(decoded.sampleRate),
                .channelCount = static_cast<std::uint32_t>(decoded.channelCount)};
     memory_ = CodecMemory::of(source_->parameters(), decoded);
-    extent_ = source_->extent(decoded);
+    extent_ = holdsMusic ? source_->extent(decoded) : MusicExtent{};
     // The extent may have moved the source, so even the first read begins a run.
     runEnd_ = -farAway;
 }
@@ -43,23 +43,27 @@ void MusicStream::read(std::int64_t startFrame, AudioPCMBuffer& buffer, std::uin
 {
     precondition(startFrame >= 0 && startFrame <= length());
     precondition(frameCount <= buffer.frameCapacity() && buffer.format() == format_);
-    const auto frames = static_cast<std::uint32_t>(
-        std::min<std::int64_t>(frameCount, length() - startFrame));
+    const auto frames =
+        static_cast<std::uint32_t>(std::min<std::int64_t>(frameCount, length() - startFrame));
     fill(extent_.start + startFrame, buffer, frames);
     buffer.setFrameLength(frames);
 }
 
-void MusicStream::decodeFirstBlock()
+/// @return false for a song of no frames at all: whole as a file, only empty
+bool MusicStream::decodeFirstBlock()
 {
     int firstError = invalidDataError;
     for (int attempt = 0; attempt < patience; ++attempt) {
         if (decoder_->receive()) {
-            return;
+            return true;
         }
         if (!source_->next(*packet_)) {
+            if (attempt == 0 && decoder_->adoptDeclaredFormat()) {
+                return false;
+            }
             decoder_->sendEnd();
             if (decoder_->receive()) {
-                return;
+                return true;
             }
             break;
         }
@@ -81,9 +85,9 @@ void MusicStream::fill(std::int64_t raw, AudioPCMBuffer& buffer, std::uint32_t f
         if (raw + done >= blockStart_ && raw + done < blockEnd_) {
             count = copyBlock(raw + done, buffer, done, room);
         } else {
-            const std::int64_t gapEnd = raw + done < blockStart_ ? blockStart_ : runEnd_;
-            count = static_cast<std::uint32_t>(
-                std::min<std::int64_t>(room, gapEnd - raw - done));
+            const std::int64_t gapEnd =
+                raw + done < blockStart_ ? std::min(blockStart_, runEnd_) : runEnd_;
+            count = static_cast<std::uint32_t>(std::min<std::int64_t>(room, gapEnd - raw - done));
             buffer.silence(done, count);
         }
         done += count;
@@ -93,12 +97,11 @@ void MusicStream::fill(std::int64_t raw, AudioPCMBuffer& buffer, std::uint32_t f
 std::uint32_t MusicStream::copyBlock(std::int64_t raw, AudioPCMBuffer& buffer, std::uint32_t first,
                                      std::uint32_t room)
 {
-    const auto count
-        = static_cast<std::uint32_t>(std::min<std::int64_t>(room, blockEnd_ - raw));
+    const auto count = static_cast<std::uint32_t>(std::min<std::int64_t>(room, blockEnd_ - raw));
     const auto offset = static_cast<std::size_t>(raw - blockStart_);
     for (std::uint32_t index = 0; index < format_.channelCount; ++index) {
-        const auto samples
-            = decoder_->isAudible() ? decoder_->channel(index) : std::span<const float>();
+        const auto samples =
+            decoder_->isAudible() ? decoder_->channel(index) : std::span<const float>();
         if (samples.empty()) {
             buffer.silence(first, count);
             break;
@@ -185,7 +188,8 @@ bool MusicStream::sendPacket()
 void MusicStream::placeBlock()
 {
     const std::int64_t stamp = source_->hasExactStamps() ? decoder_->timeStamp() : noTimeStamp;
-    blockStart_ = stamp == noTimeStamp ? blockEnd_ : toFrames(stamp);
+    const std::int64_t place = stamp == noTimeStamp ? blockEnd_ : toFrames(stamp);
+    blockStart_ = std::clamp(place, -farAway, farAway);  // a damaged stamp may be anything
     blockEnd_ = std::min(blockStart_ + decoder_->frameCount(), runEnd_);
 }
 

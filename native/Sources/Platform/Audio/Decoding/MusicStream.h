@@ -36,7 +36,7 @@ public:
     void read(std::int64_t startFrame, AudioPCMBuffer& buffer, std::uint32_t frameCount);
 
 private:
-    void decodeFirstBlock();
+    [[nodiscard]] bool decodeFirstBlock();
     void fill(std::int64_t raw, AudioPCMBuffer& buffer, std::uint32_t frameCount);
     std::uint32_t copyBlock(std::int64_t raw, AudioPCMBuffer& buffer, std::uint32_t first,
                             std::uint32_t room);
@@ -64,10 +64,10 @@ private:
     std::int64_t knownFrom_ = 0;
     std::int64_t blockStart_ = 0;
     std::int64_t blockEnd_ = 0;
-    std::int64_t runEnd_ = 0;     ///< where another run has to begin
-    std::int64_t feedFrom_ = 0;   ///< packets stamped earlier, in ticks, are not decoded
-    bool isDraining_ = false;     ///< all packets were sent
-    bool isAtEnd_ = false;        ///< all blocks were received
+    std::int64_t runEnd_ = 0;    ///< where another run has to begin
+    std::int64_t feedFrom_ = 0;  ///< packets stamped earlier, in ticks, are not decoded
+    bool isDraining_ = false;    ///< all packets were sent
+    bool isAtEnd_ = false;       ///< all blocks were received
 };
 
 }  // namespace tonvale

@@ -103,16 +103,20 @@ PacketDuration::PacketDuration(const AVCodecParameters& parameters, const Decode
     }
 }
 
-std::int64_t PacketDuration::framesOf(const AVPacket& packet)
+std::optional<std::int64_t> PacketDuration::framesOf(const AVPacket& packet)
 {
     const bool isFirst = isFirst_;
     isFirst_ = false;
     if (vorbisParser_) {
         const int frames = av_vorbis_parse_frame(vorbisParser_.get(), packet.data, packet.size);
-        return isFirst ? 0 : frames;  // the first one only begins the overlap
+        return isFirst ? 0 : std::max(frames, 0);  // the first one only begins the overlap
     }
     const std::int64_t frames = framesOfPacket(parameters_, packet);
-    return frames > 0 ? frames : format_.framesPerPacket;
+    if (frames > 0) {
+        return frames;
+    }
+    return format_.framesPerPacket > 0 ? std::optional<std::int64_t>(format_.framesPerPacket)
+                                       : std::nullopt;
 }
 
 std::int64_t framesOfPacket(const AVCodecParameters& parameters, const AVPacket& packet)
@@ -129,9 +133,8 @@ std::int64_t framesOfPacket(const AVCodecParameters& parameters, const AVPacket&
         break;
     }
     // The library writes to the parameters nowhere here, but its interface does not say so.
-    return std::max(av_get_audio_frame_duration2(const_cast<AVCodecParameters*>(&parameters),
-                                                 packet.size),
-                    0);
+    return std::max(
+        av_get_audio_frame_duration2(const_cast<AVCodecParameters*>(&parameters), packet.size), 0);
 }
 
 }  // namespace tonvale

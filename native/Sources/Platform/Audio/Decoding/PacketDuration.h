@@ -9,6 +9,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 
 struct AVVorbisParseContext;
@@ -22,8 +23,8 @@ public:
     PacketDuration(const AVCodecParameters& parameters, const DecodedFormat& format);
 
     /// @param packet  the packets of one stream, in order (Vorbis packets overlap)
-    /// @return frames, 0 when it cannot be told
-    [[nodiscard]] std::int64_t framesOf(const AVPacket& packet);
+    /// @return frames; nothing when it cannot be told
+    [[nodiscard]] std::optional<std::int64_t> framesOf(const AVPacket& packet);
 
 private:
     struct VorbisParserDeleter {

@@ -11,7 +11,7 @@ namespace tonvale {
 void AudioMixerNode::prepare(const AudioFormat& format, std::uint32_t maximumFrameCount)
 {
     AudioNode::prepare(format, maximumFrameCount);
-    limiter_.emplace(format);
+    limiter_.emplace(format, maximumFrameCount);
     framesToRunAhead_ = limiter_->latencyFrames();
 }
 

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 #include <utility>
 
 namespace tonvale {
@@ -17,11 +18,20 @@ constexpr double releaseSeconds = 0.3;      // from silence to full level: 3 dB 
 constexpr float ceiling =
     32766.0F / 32768.0F;  // a 16-bit step under the largest sample: meters call that one clipped
 
-float peakOf(const AudioPCMBuffer& buffer, std::uint32_t frame) noexcept
+float peakOf(std::span<const float> samples) noexcept
+{
+    float peak = 0.0F;
+    for (const float sample : samples) {
+        peak = std::max(peak, std::abs(sample));
+    }
+    return peak;
+}
+
+float peakOf(const AudioPCMBuffer& buffer) noexcept
 {
     float peak = 0.0F;
     for (std::uint32_t channel = 0; channel < buffer.format().channelCount; ++channel) {
-        peak = std::max(peak, std::abs(buffer.channel(channel)[frame]));
+        peak = std::max(peak, peakOf(buffer.channel(channel).first(buffer.frameLength())));
     }
     return peak;
 }
@@ -33,58 +43,62 @@ float gainFor(float peak) noexcept
 
 }  // namespace
 
-LookaheadLimiter::SlidingMinimum::SlidingMinimum(std::uint32_t windowLength)
-    : ring_(windowLength)
-    , windowLength_(windowLength)
-{
-}
-
-float LookaheadLimiter::SlidingMinimum::push(float value) noexcept
-{
-    while (end_ != first_ && ring_[(end_ - 1) % ring_.size()].value >= value) {
-        --end_;
-    }
-    if (end_ != first_ && ring_[first_ % ring_.size()].time + windowLength_ <= now_) {
-        ++first_;
-    }
-    ring_[end_ % ring_.size()] = {value, now_};
-    ++end_;
-    ++now_;
-    return ring_[first_ % ring_.size()].value;
-}
-
-LookaheadLimiter::LookaheadLimiter(const AudioFormat& format)
+LookaheadLimiter::LookaheadLimiter(const AudioFormat& format, std::uint32_t maximumFrameCount)
     : lookahead_(static_cast<std::uint32_t>(std::lround(lookaheadSeconds * format.sampleRate)))
     , releasePerFrame_(static_cast<float>(1.0 / (releaseSeconds * format.sampleRate)))
     , hold_(lookahead_ + 1)
     , smoothing_(lookahead_ + 1, 1.0F)
     , smoothingSum_(lookahead_ + 1)
-    , delay_(format.channelCount, std::vector<float>(lookahead_, 0.0F))
+    , pasts_(format.channelCount, std::vector<float>(lookahead_, 0.0F))
+    , delayed_(lookahead_ + maximumFrameCount)
+    , gains_(maximumFrameCount)
 {
 }
 
 void LookaheadLimiter::process(AudioPCMBuffer& buffer) noexcept
 {
-    for (std::uint32_t frame = 0; frame < buffer.frameLength(); ++frame) {
-        const float gain = nextGain(peakOf(buffer, frame));
-        for (std::uint32_t channel = 0; channel < buffer.format().channelCount; ++channel) {
-            float& sample = buffer.channel(channel)[frame];
-            sample = std::exchange(delay_[channel][delayPlace_], sample) * gain;
+    const bool isUntouched = isAtRest() && peakOf(buffer) <= 1.0F;
+    if (isUntouched) {
+        hold_.pass(buffer.frameLength());
+    } else {
+        computeGains(buffer);
+    }
+    for (std::uint32_t channel = 0; channel < buffer.format().channelCount; ++channel) {
+        const auto samples = buffer.channel(channel).first(buffer.frameLength());
+        const auto delayed = delay(pasts_[channel], samples);
+        if (isUntouched) {
+            std::ranges::copy(delayed, samples.begin());
+        } else {
+            std::ranges::transform(delayed, gains_, samples.begin(), std::multiplies<>());
         }
-        delayPlace_ = (delayPlace_ + 1) % lookahead_;
     }
 }
 
-float LookaheadLimiter::nextGain(float peak) noexcept
+bool LookaheadLimiter::isAtRest() const noexcept
 {
-    releasedGain_ = std::min(hold_.push(gainFor(peak)), releasedGain_ + releasePerFrame_);
-    return smooth(releasedGain_);
+    return reducedCount_ == 0 && hold_.isAtRest();
+}
+
+void LookaheadLimiter::computeGains(const AudioPCMBuffer& buffer) noexcept
+{
+    std::ranges::fill(gains_, 0.0F);
+    for (std::uint32_t channel = 0; channel < buffer.format().channelCount; ++channel) {
+        const auto samples = buffer.channel(channel);
+        for (std::uint32_t frame = 0; frame < buffer.frameLength(); ++frame) {
+            gains_[frame] = std::max(gains_[frame], std::abs(samples[frame]));
+        }
+    }
+    for (std::uint32_t frame = 0; frame < buffer.frameLength(); ++frame) {
+        const float held = hold_.push(gainFor(gains_[frame]));
+        releasedGain_ = std::min(held, releasedGain_ + releasePerFrame_);
+        gains_[frame] = smooth(releasedGain_);
+    }
 }
 
 float LookaheadLimiter::smooth(float gain) noexcept
 {
     const float oldest = std::exchange(smoothing_[smoothingPlace_], gain);
-    smoothingPlace_ = (smoothingPlace_ + 1) % smoothing_.size();
+    smoothingPlace_ = smoothingPlace_ + 1 < smoothing_.size() ? smoothingPlace_ + 1 : 0;
     reducedCount_ += (gain < 1.0F ? 1U : 0U);
     reducedCount_ -= (oldest < 1.0F ? 1U : 0U);
     if (reducedCount_ == 0) {
@@ -93,6 +107,16 @@ float LookaheadLimiter::smooth(float gain) noexcept
     }
     smoothingSum_ += double{gain} - double{oldest};
     return static_cast<float>(smoothingSum_ / static_cast<double>(smoothing_.size()));
+}
+
+/// Puts `samples` behind the channel's past. @return as many frames, lookahead_ older
+std::span<const float> LookaheadLimiter::delay(std::vector<float>& past,
+                                               std::span<const float> samples) noexcept
+{
+    const auto present = std::ranges::copy(past, delayed_.begin()).out;
+    const auto end = std::ranges::copy(samples, present).out;
+    std::copy(end - lookahead_, end, past.begin());
+    return std::span(delayed_).first(samples.size());
 }
 
 }  // namespace tonvale

@@ -6,9 +6,11 @@
 
 #include "Platform/Audio/AudioFormat.h"
 #include "Platform/Audio/AudioPCMBuffer.h"
+#include "Platform/Audio/Graph/SlidingMinimum.h"
 
+#include <cstddef>
 #include <cstdint>
-#include <memory>
+#include <span>
 #include <vector>
 
 namespace tonvale {
@@ -23,10 +25,10 @@ namespace tonvale {
 ///
 /// Method: hold, release and smoothing as in D. Giannoulis et al., "Digital dynamic range
 /// compressor design", JAES 60(6), 2012, with a feed-forward peak detector.
-/// @thread prepare: CONTROL; process: WORKER, no allocation, no lock
+/// @thread construction: CONTROL; process: WORKER, no allocation, no lock
 class LookaheadLimiter {
 public:
-    explicit LookaheadLimiter(const AudioFormat& format);
+    LookaheadLimiter(const AudioFormat& format, std::uint32_t maximumFrameCount);
 
     /// How many frames the output lags behind the input.
     [[nodiscard]] std::uint32_t latencyFrames() const noexcept { return lookahead_; }
@@ -36,27 +38,11 @@ public:
     void process(AudioPCMBuffer& buffer) noexcept;
 
 private:
-    /// The least of the last lookahead_ + 1 values, in constant time on average: candidates wait
-    /// in a ring in rising order (a monotonic queue).
-    class SlidingMinimum {
-    public:
-        explicit SlidingMinimum(std::uint32_t windowLength);
-        float push(float value) noexcept;
-
-    private:
-        struct Candidate {
-            float value;
-            std::uint64_t time;
-        };
-        std::vector<Candidate> ring_;
-        std::uint64_t first_ = 0;  // ring indices count up; modulo the size they name a place
-        std::uint64_t end_ = 0;
-        std::uint64_t now_ = 0;
-        std::uint64_t windowLength_;
-    };
-
-    [[nodiscard]] float nextGain(float peak) noexcept;
+    [[nodiscard]] bool isAtRest() const noexcept;
+    void computeGains(const AudioPCMBuffer& buffer) noexcept;
     [[nodiscard]] float smooth(float gain) noexcept;
+    [[nodiscard]] std::span<const float> delay(std::vector<float>& past,
+                                               std::span<const float> samples) noexcept;
 
     std::uint32_t lookahead_;
     float releasePerFrame_;
@@ -66,8 +52,9 @@ private:
     std::size_t smoothingPlace_ = 0;
     double smoothingSum_;
     std::uint32_t reducedCount_ = 0;         // how many of them are below 1
-    std::vector<std::vector<float>> delay_;  // a ring per channel, lookahead_ frames
-    std::size_t delayPlace_ = 0;
+    std::vector<std::vector<float>> pasts_;  // the last lookahead_ frames of each channel
+    std::vector<float> delayed_;             // a channel's past and present, one after the other
+    std::vector<float> gains_;
 };
 
 }  // namespace tonvale
