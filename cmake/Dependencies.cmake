@@ -6,6 +6,7 @@
 
 find_package(PkgConfig REQUIRED)
 find_package(Threads REQUIRED)
+find_package(Qt6 6.4 REQUIRED COMPONENTS Core)
 
 pkg_check_modules(FFMPEG REQUIRED IMPORTED_TARGET
     libavformat>=59 libavcodec>=59 libavutil>=57 libswresample>=4)

@@ -79,6 +79,18 @@ TEST(CommandLine, PutsHelpAndVersionBeforeEverythingElse)
     EXPECT_EQ(versionText(), "tonvale-render 1.0.0\n");
 }
 
+TEST(CommandLine, DetectsInPlaceOfTheRecordedKeyOrAlone)
+{
+    const CommandLine both = parse({"a", "--detect", "--to", "F#"});
+    EXPECT_EQ(both.action, CommandLine::Action::render);
+    EXPECT_TRUE(both.request.detectsSourceKey);
+    EXPECT_EQ(both.request.targetKey, MusicKey::fSharpMajor);
+    const CommandLine alone = parse({"a", "--detect"});
+    EXPECT_EQ(alone.action, CommandLine::Action::detect);
+    EXPECT_EQ(alone.request.input, "a");
+    EXPECT_FALSE(parse({"a", "--from", "C", "--to", "D"}).request.detectsSourceKey);
+}
+
 TEST(CommandLine, RefusesNumbersOutOfRangeAndWhatIsNoNumber)
 {
     for (const std::string value :
@@ -93,12 +105,16 @@ TEST(CommandLine, RefusesNumbersOutOfRangeAndWhatIsNoNumber)
 
 TEST(CommandLine, RefusesAShiftThatIsMissingHalfOrDouble)
 {
-    const std::string sayOne = "Say how far to shift: --from and --to, or --semitones, or --cents.";
+    const std::string sayOne =
+        "Say how far to shift: --from (or --detect) and --to, or --semitones, or --cents.";
     EXPECT_EQ(refusalOf({"a"}), sayOne);
     EXPECT_EQ(refusalOf({"a", "--from", "C"}), sayOne);
     EXPECT_EQ(refusalOf({"a", "--to", "C"}), sayOne);
     EXPECT_EQ(refusalOf({"a", "--cents", "1", "--semitones", "1"}), sayOne);
     EXPECT_EQ(refusalOf({"a", "--from", "C", "--to", "D", "--cents", "1"}), sayOne);
+    EXPECT_EQ(refusalOf({"a", "--detect", "--from", "C", "--to", "D"}), sayOne);
+    EXPECT_EQ(refusalOf({"a", "--detect", "--cents", "1"}), sayOne);
+    EXPECT_EQ(refusalOf({"a", "--detect", "-o", "out.wav"}), sayOne);
 }
 
 TEST(CommandLine, RefusesWrongUseWithASentenceThatNamesIt)

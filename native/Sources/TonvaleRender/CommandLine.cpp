@@ -30,13 +30,15 @@ enum OptionCode : int {
     centsOption,
     forceOption,
     quietOption,
+    detectOption,
     helpOption,
     versionOption,
 };
 
-constexpr std::array<option, 10> longOptions{{
+constexpr std::array<option, 11> longOptions{{
     {"from", required_argument, nullptr, fromOption},
     {"to", required_argument, nullptr, toOption},
+    {"detect", no_argument, nullptr, detectOption},
     {"semitones", required_argument, nullptr, semitonesOption},
     {"cents", required_argument, nullptr, centsOption},
     {"output", required_argument, nullptr, 'o'},
@@ -50,6 +52,7 @@ constexpr std::array<option, 10> longOptions{{
 /// The options as given, not yet checked against each other.
 struct GivenOptions {
     std::optional<std::string> from, to, semitones, cents, output;
+    bool detect = false;
     bool force = false;
     bool quiet = false;
     std::optional<CommandLine::Action> information;
@@ -85,6 +88,9 @@ void take(GivenOptions& given, int code, const std::vector<char*>& words)
         return set(given.cents, "--cents");
     case 'o':
         return set(given.output, "--output");
+    case detectOption:
+        given.detect = true;
+        return;
     case forceOption:
         given.force = true;
         return;
@@ -145,12 +151,16 @@ int parseNumber(std::string_view text, int limit, const std::string& name)
 
 void setShift(RenderRequest& request, const GivenOptions& given)
 {
-    const bool byKeys = given.from || given.to;
+    const bool byKeys = given.from || given.to || given.detect;
     const int ways = (byKeys ? 1 : 0) + (given.semitones ? 1 : 0) + (given.cents ? 1 : 0);
-    if (ways != 1 || (byKeys && !(given.from && given.to))) {
-        throw UsageError("Say how far to shift: --from and --to, or --semitones, or --cents.");
+    if (ways != 1 || (byKeys && !(given.to && given.from.has_value() != given.detect))) {
+        throw UsageError(
+            "Say how far to shift: --from (or --detect) and --to, or --semitones, or --cents.");
     }
-    if (byKeys) {
+    if (given.detect) {
+        request.targetKey = parseKey(*given.to);
+        request.detectsSourceKey = true;
+    } else if (byKeys) {
         request.targetKey = parseKey(*given.to);
         request.cents =
             centsForSemitones(semitonesBetween(parseKey(*given.from), *request.targetKey));
@@ -161,6 +171,13 @@ void setShift(RenderRequest& request, const GivenOptions& given)
     } else {
         request.cents = parseNumber(*given.cents, mostCents, "--cents");
     }
+}
+
+/// --detect alone only listens, so there is nothing to shift or to save.
+bool onlyDetects(const GivenOptions& given)
+{
+    return given.detect && !given.from && !given.to && !given.semitones && !given.cents
+           && !given.output;
 }
 
 }  // namespace
@@ -183,6 +200,10 @@ CommandLine parseCommandLine(std::span<char* const> arguments)
     if (given.output) {
         request.output = *given.output;
     }
+    if (onlyDetects(given)) {
+        commandLine.action = CommandLine::Action::detect;
+        return commandLine;
+    }
     setShift(request, given);
     request.replacesOutput = given.force;
     request.isQuiet = given.quiet;
@@ -192,12 +213,15 @@ CommandLine parseCommandLine(std::span<char* const> arguments)
 std::string helpText()
 {
     return R"(Usage: tonvale-render INPUT --from KEY --to KEY [-o OUTPUT] [--force] [--quiet]
+       tonvale-render INPUT --detect [--to KEY] [-o OUTPUT] [--force] [--quiet]
        tonvale-render INPUT --semitones N [-o OUTPUT] [--force] [--quiet]
        tonvale-render INPUT --cents N     [-o OUTPUT] [--force] [--quiet]
 
 Renders a song in another key, at the same tempo, into a new 16-bit audio file.
 
       --from KEY       the key the recording is in
+      --detect         find the recording's key by listening, instead of --from;
+                       without --to only print the key and the tempo
       --to KEY         the key it should be in; the shortest way is taken
       --semitones N    shift by -6 to 6 semitones
       --cents N        shift by -600 to 600 hundredths of a semitone

@@ -17,7 +17,8 @@ namespace tonvale {
 struct RenderRequest {
     std::filesystem::path input;
     std::optional<std::filesystem::path> output;  ///< none: beside the input, named after the shift
-    int cents = 0;                                ///< -600 ... 600
+    int cents = 0;                                ///< -600 ... 600; unless it is to be detected
+    bool detectsSourceKey = false;                ///< the song's key is found by listening to it
     std::optional<MusicKey> targetKey;            ///< where the shift was given by keys
     bool countsSemitones = false;                 ///< the shift was given by --semitones
     bool replacesOutput = false;
@@ -26,10 +27,10 @@ struct RenderRequest {
 
 /// What the command line asks for.
 struct CommandLine {
-    enum class Action { render, showHelp, showVersion };
+    enum class Action { render, detect, showHelp, showVersion };
 
     Action action = Action::render;
-    RenderRequest request;  ///< meaningful for Action::render
+    RenderRequest request;  ///< for Action::render; for Action::detect its input
 };
 
 /// @param arguments  the program's name first, as main() gets them

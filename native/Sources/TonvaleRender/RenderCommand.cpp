@@ -6,6 +6,8 @@
 
 #include "Platform/Foundation/PlatformError.h"
 #include "Tonvale/Audio/AudioExportService.h"
+#include "Tonvale/EssentiaKeyDetector.h"
+#include "Tonvale/Keys/TranspositionInterval.h"
 #include "TonvaleRender/Interruption.h"
 #include "TonvaleRender/OutputFile.h"
 #include "TonvaleRender/ProgressBar.h"
@@ -49,25 +51,59 @@ private:
     std::optional<ProgressBar> bar_;
 };
 
-void render(const RenderRequest& request, const std::filesystem::path& output)
+DetectedSongDetails detect(const std::filesystem::path& song)
+{
+    try {
+        return EssentiaKeyDetector::detectSongDetails(song);
+    } catch (const LocalizedError& error) {
+        throw PlatformError("Could not detect the key of " + quotedName(song) + ": "
+                            + error.errorDescription());
+    }
+}
+
+void print(const DetectedSongDetails& details)
+{
+    for (const std::string& line : details.displayLines()) {
+        std::cout << line << '\n';
+    }
+    std::cout << std::flush;
+}
+
+void render(const RenderRequest& request, int cents, const std::filesystem::path& output)
 {
     Watcher watcher(!request.isQuiet && ::isatty(STDERR_FILENO) == 1);
     try {
-        AudioExportService::render(request.input, output, request.cents, std::ref(watcher));
+        AudioExportService::render(request.input, output, cents, std::ref(watcher));
     } catch (const LocalizedError& error) {
         throw PlatformError("Could not render " + quotedName(request.input) + " into "
                             + quotedName(output) + ": " + error.errorDescription());
     }
 }
 
+/// Listens to the song and says what it hears. @return the shift to the key asked for
+int detectedCents(const RenderRequest& request)
+{
+    const DetectedSongDetails details = detect(request.input);
+    if (!request.isQuiet) {
+        print(details);
+    }
+    return centsForSemitones(semitonesBetween(details.musicKey(), *request.targetKey));
+}
+
 }  // namespace
+
+void runDetection(const RenderRequest& request)
+{
+    print(detect(request.input));
+}
 
 void runRender(const RenderRequest& request)
 {
     const std::filesystem::path output = outputFor(request);
     checkOutput(output, request);
+    const int cents = request.detectsSourceKey ? detectedCents(request) : request.cents;
     try {
-        render(request, output);
+        render(request, cents, output);
     } catch (const Interrupted& interrupted) {
         ::unlink(output.c_str());  // ours: it is only thrown while blocks are being written
         endBySignal(interrupted.signalNumber);

@@ -26,6 +26,9 @@ void run(std::span<char* const> arguments)
     case tonvale::CommandLine::Action::showVersion:
         std::cout << tonvale::versionText();
         break;
+    case tonvale::CommandLine::Action::detect:
+        tonvale::runDetection(commandLine.request);
+        break;
     case tonvale::CommandLine::Action::render:
         tonvale::runRender(commandLine.request);
         break;

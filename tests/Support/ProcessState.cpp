@@ -1,0 +1,57 @@
+// SPDX-FileCopyrightText: 2026 The Tonvale Authors
+//
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "Support/ProcessState.h"
+
+#include <fcntl.h>
+
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <system_error>
+#include <thread>
+
+namespace tonvale::test {
+
+bool eventually(const std::function<bool()>& condition)
+{
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+    while (!condition()) {
+        if (std::chrono::steady_clock::now() > deadline) {
+            return false;
+        }
+        std::this_thread::yield();
+    }
+    return true;
+}
+
+bool isInSystemCall(pid_t task, long number)
+{
+    std::ifstream file("/proc/" + std::to_string(task) + "/syscall");
+    std::string first;  // a number while inside a system call, else "running"
+    file >> first;
+    return first == std::to_string(number);
+}
+
+bool isReaped(pid_t process)
+{
+    return ::kill(process, 0) != 0 && errno == ESRCH;
+}
+
+std::map<int, std::string> openDescriptors()
+{
+    std::map<int, std::string> descriptors;
+    for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
+        std::error_code error;
+        const std::filesystem::path file = std::filesystem::read_symlink(entry.path(), error);
+        descriptors[std::stoi(entry.path().filename())] = file.string();
+    }
+    // The iteration's own descriptor was listed too and is closed by now.
+    std::erase_if(descriptors, [](const auto& item) { return ::fcntl(item.first, F_GETFD) < 0; });
+    return descriptors;
+}
+
+}  // namespace tonvale::test

@@ -1,0 +1,27 @@
+// SPDX-FileCopyrightText: 2026 The Tonvale Authors
+//
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include <sys/types.h>
+
+#include <functional>
+#include <map>
+#include <string>
+
+namespace tonvale::test {
+
+/// Looks at `condition` again and again. @return whether it came true within 30 seconds
+[[nodiscard]] bool eventually(const std::function<bool()>& condition);
+
+/// Whether the thread or single-threaded process `task` is inside this system call right now.
+[[nodiscard]] bool isInSystemCall(pid_t task, long number);
+
+/// Whether the process is gone without a trace: ended, and waited for by its parent.
+[[nodiscard]] bool isReaped(pid_t process);
+
+/// Our own open descriptors, with the file each stands for.
+[[nodiscard]] std::map<int, std::string> openDescriptors();
+
+}  // namespace tonvale::test
