@@ -11,4 +11,4 @@ find_package(Qt6 6.4 REQUIRED COMPONENTS Core)
 pkg_check_modules(FFMPEG REQUIRED IMPORTED_TARGET
     libavformat>=59 libavcodec>=59 libavutil>=57 libswresample>=4)
 pkg_check_modules(SNDFILE REQUIRED IMPORTED_TARGET sndfile>=1.2)
-pkg_check_modules(RUBBERBAND REQUIRED IMPORTED_TARGET rubberband>=3.1)
+pkg_check_modules(FFTW3F REQUIRED IMPORTED_TARGET fftw3f>=3.3)

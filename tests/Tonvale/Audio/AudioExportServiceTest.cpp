@@ -211,13 +211,11 @@ TEST_F(AudioExport, KeepsTheUnfinishedFileWhenTheObserverStopsIt)
     EXPECT_TRUE(std::filesystem::exists(in("result.wav")));
 }
 
-TEST_F(AudioExport, SendsAnUnshiftedSongThroughTheTimePitchUnitToo)
+TEST_F(AudioExport, GivesAnUnshiftedSongBackSampleForSample)
 {
-    const auto source = makeSong("source.wav", test::tones({440}, 44100, 44100));
+    const auto source = makeSong("source.wav", test::tones({440, 660}, 44100, 44100));
     AudioExportService::render(source, in("result.wav"), 0);
-    const Song result = test::readSong(in("result.wav"));
-    EXPECT_NEAR(test::frequencyOf(result.channels[0], 44100), 440, 0.05);
-    EXPECT_EQ(result.channels[0].size(), 44100U);
+    EXPECT_EQ(test::readSong(in("result.wav")).channels, test::readSong(source).channels);
 }
 
 TEST_F(AudioExport, RendersSideBySideWhatItRendersAlone)

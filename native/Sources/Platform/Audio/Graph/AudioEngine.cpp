@@ -48,7 +48,9 @@ void AudioEngine::disableManualRenderingMode() noexcept
 void AudioEngine::start()
 {
     precondition(manualRendering_.has_value());
-    mainMixer_.prepare(manualRendering_->format, manualRendering_->maximumFrameCount);
+    mainMixer_.prepare({.format = manualRendering_->format,
+                        .maximumFrameCount = manualRendering_->maximumFrameCount,
+                        .isOffline = true});
     sampleTime_ = 0;
     isRunning_ = true;
 }

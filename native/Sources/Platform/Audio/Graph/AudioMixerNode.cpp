@@ -8,10 +8,10 @@
 
 namespace tonvale {
 
-void AudioMixerNode::prepare(const AudioFormat& format, std::uint32_t maximumFrameCount)
+void AudioMixerNode::prepare(const RenderSettings& settings)
 {
-    AudioNode::prepare(format, maximumFrameCount);
-    limiter_.emplace(format, maximumFrameCount);
+    AudioNode::prepare(settings);
+    limiter_.emplace(settings.format, settings.maximumFrameCount);
     framesToRunAhead_ = limiter_->latencyFrames();
 }
 

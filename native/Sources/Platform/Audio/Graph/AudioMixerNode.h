@@ -17,7 +17,7 @@ namespace tonvale {
 /// ahead by the limiter's latency, so what comes out is not late.
 class AudioMixerNode final : public AudioNode {
 public:
-    void prepare(const AudioFormat& format, std::uint32_t maximumFrameCount) override;
+    void prepare(const RenderSettings& settings) override;
     void render(AudioPCMBuffer& buffer, std::uint32_t frameCount) override;
 
 private:

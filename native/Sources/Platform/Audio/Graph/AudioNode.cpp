@@ -6,10 +6,10 @@
 
 namespace tonvale {
 
-void AudioNode::prepare(const AudioFormat& format, std::uint32_t maximumFrameCount)
+void AudioNode::prepare(const RenderSettings& settings)
 {
     if (input_ != nullptr) {
-        input_->prepare(format, maximumFrameCount);
+        input_->prepare(settings);
     }
 }
 

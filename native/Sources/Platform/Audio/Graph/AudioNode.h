@@ -11,6 +11,14 @@
 
 namespace tonvale {
 
+/// How a graph is about to be rendered.
+struct RenderSettings {
+    AudioFormat format;
+    std::uint32_t maximumFrameCount = 0;  ///< the most frames that one render() will ask for
+    bool isOffline = false;  ///< nobody waits for single blocks: reading far ahead and using
+                             ///< further threads is welcome
+};
+
 /// A stage of the pull graph: the stage behind asks it for frames, and it asks the one before it.
 /// The engine owns the order of calls: prepare(), then render() any number of times.
 class AudioNode {
@@ -24,10 +32,10 @@ public:
     /// @thread CONTROL, while nothing renders
     void setInput(AudioNode* input) noexcept { input_ = input; }
 
-    /// Gets ready to render blocks of up to `maximumFrameCount` frames from the beginning on,
-    /// and its input too. Everything that render() needs is allocated here.
+    /// Gets ready to render from the beginning on, and its input too. What render() needs is
+    /// allocated here.
     /// @thread CONTROL, while nothing renders
-    virtual void prepare(const AudioFormat& format, std::uint32_t maximumFrameCount);
+    virtual void prepare(const RenderSettings& settings);
 
     /// Fills the first `frameCount` frames of `buffer` and sets its frameLength to it.
     /// Past the end of the music this is silence, never less.

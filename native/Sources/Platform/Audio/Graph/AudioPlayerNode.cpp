@@ -14,19 +14,28 @@ namespace tonvale {
 void AudioPlayerNode::scheduleSegment(std::shared_ptr<AudioFile> file, std::int64_t startingFrame,
                                       std::uint32_t frameCount)
 {
+    const std::scoped_lock lock(mutex_);
     precondition(!segment_ && file != nullptr && startingFrame >= 0
                  && startingFrame + frameCount <= file->length());
     segment_ = Segment{std::move(file), startingFrame, startingFrame + frameCount};
 }
 
-void AudioPlayerNode::stop() noexcept
+void AudioPlayerNode::play()
 {
+    const std::scoped_lock lock(mutex_);
+    isPlaying_ = true;
+}
+
+void AudioPlayerNode::stop()
+{
+    const std::scoped_lock lock(mutex_);
     isPlaying_ = false;
     segment_.reset();
 }
 
 void AudioPlayerNode::render(AudioPCMBuffer& buffer, std::uint32_t frameCount)
 {
+    const std::scoped_lock lock(mutex_);
     const std::uint32_t played = isPlaying_ && segment_ ? renderSegment(buffer, frameCount) : 0;
     buffer.setFrameLength(frameCount);
     buffer.silence(played, frameCount - played);

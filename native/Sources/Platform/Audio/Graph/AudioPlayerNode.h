@@ -9,6 +9,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <mutex>
 #include <optional>
 
 namespace tonvale {
@@ -19,16 +20,17 @@ public:
     /// Gets frames [startingFrame, startingFrame + frameCount) ready to play. Nothing else may be
     /// scheduled: stop() comes first. The file is held until then.
     /// @param file  open for reading, in the format that the graph was connected with
-    /// @thread CONTROL, while nothing renders
+    /// @thread CONTROL
     void scheduleSegment(std::shared_ptr<AudioFile> file, std::int64_t startingFrame,
                          std::uint32_t frameCount);
 
-    /// Starts playing what was scheduled. @thread CONTROL, while nothing renders
-    void play() noexcept { isPlaying_ = true; }
+    /// Starts playing what was scheduled. @thread CONTROL
+    void play();
 
-    /// Falls silent and discards what was scheduled. @thread CONTROL, while nothing renders
-    void stop() noexcept;
+    /// Falls silent and discards what was scheduled. @thread CONTROL
+    void stop();
 
+    /// Waits while a CONTROL call is under way, and the other way round.
     void render(AudioPCMBuffer& buffer, std::uint32_t frameCount) override;
 
 private:
@@ -40,6 +42,7 @@ private:
 
     [[nodiscard]] std::uint32_t renderSegment(AudioPCMBuffer& buffer, std::uint32_t frameCount);
 
+    std::mutex mutex_;  // of both below
     std::optional<Segment> segment_;
     bool isPlaying_ = false;
 };

@@ -4,12 +4,19 @@
 
 #include "Platform/Audio/Graph/AudioUnitTimePitch.h"
 
-#include "Platform/Audio/Graph/RubberBandShifter.h"
+#include "Platform/Audio/TimePitch/PitchShifter.h"
 #include "Platform/Foundation/Precondition.h"
 
 #include <algorithm>
 
 namespace tonvale {
+
+namespace {
+
+/// From here on the engine's second thread pays for the waiting at either end of a chunk.
+constexpr std::uint32_t offlineChunkFrames = 16384;
+
+}  // namespace
 
 AudioUnitTimePitch::AudioUnitTimePitch() = default;
 AudioUnitTimePitch::~AudioUnitTimePitch() = default;
@@ -21,31 +28,80 @@ void AudioUnitTimePitch::setRate(float rate) noexcept
 
 std::uint32_t AudioUnitTimePitch::latencyFrames() const noexcept
 {
-    return shifter_ ? shifter_->latencyFrames() : 0;
+    return shifter_ ? static_cast<std::uint32_t>(shifter_->latencyFrames()) : 0;
 }
 
-void AudioUnitTimePitch::prepare(const AudioFormat& format, std::uint32_t maximumFrameCount)
+void AudioUnitTimePitch::prepare(const RenderSettings& settings)
 {
-    AudioNode::prepare(format, maximumFrameCount);
-    shifter_ = std::make_unique<RubberBandShifter>(format);
-    framesToRunAhead_ = shifter_->latencyFrames();
+    readAhead_.reset();
+    settings_ = settings;
+    if (settings.isOffline) {
+        settings_.maximumFrameCount = offlineChunkFrames;
+    }
+    AudioNode::prepare(settings_);
+    const AudioFormat& format = settings_.format;
+    shifter_ = std::make_unique<timepitch::PitchShifter>(
+        timepitch::PitchShifter::Configuration{.sampleRate = format.sampleRate,
+                                               .channelCount = format.channelCount,
+                                               .workerThreads = settings_.isOffline ? 1U : 0U});
+    framesToDrop_ = latencyFrames();
+    unshifted_ = AudioPCMBuffer::create(format, settings_.maximumFrameCount);
+    shifted_ = AudioPCMBuffer::create(format, settings_.maximumFrameCount);
+    shiftedPlace_ = 0;
+    inputChannels_.resize(format.channelCount);
+    outputChannels_.resize(format.channelCount);
 }
 
 void AudioUnitTimePitch::render(AudioPCMBuffer& buffer, std::uint32_t frameCount)
 {
-    shifter_->setPitch(pitch());
-    while (framesToRunAhead_ > 0) {
-        const std::uint32_t frames = std::min(framesToRunAhead_, buffer.frameCapacity());
-        renderShifted(buffer, frames);
-        framesToRunAhead_ -= frames;
+    for (std::uint32_t done = 0; done < frameCount;) {
+        if (shiftedPlace_ == shifted_->frameLength()) {
+            shiftChunk(nextChunkFrames(frameCount - done));
+        }
+        const std::uint32_t count =
+            std::min(frameCount - done, shifted_->frameLength() - shiftedPlace_);
+        for (std::uint32_t channel = 0; channel < outputChannels_.size(); ++channel) {
+            std::ranges::copy(shifted_->channel(channel).subspan(shiftedPlace_, count),
+                              buffer.channel(channel).begin() + done);
+        }
+        shiftedPlace_ += count;
+        done += count;
     }
-    renderShifted(buffer, frameCount);
+    buffer.setFrameLength(frameCount);
 }
 
-void AudioUnitTimePitch::renderShifted(AudioPCMBuffer& buffer, std::uint32_t frameCount)
+/// Live, no frame is shifted before it is asked for, so that a new pitch is heard at once.
+std::uint32_t AudioUnitTimePitch::nextChunkFrames(std::uint32_t wanted) const noexcept
 {
-    renderInput(buffer, frameCount);
-    shifter_->process(buffer);
+    const std::uint32_t most = settings_.maximumFrameCount;
+    return settings_.isOffline ? most : std::min(most, std::max(wanted, framesToDrop_));
+}
+
+void AudioUnitTimePitch::shiftChunk(std::uint32_t frameCount)
+{
+    const AudioPCMBuffer& input = takeInput(frameCount);
+    for (std::uint32_t channel = 0; channel < outputChannels_.size(); ++channel) {
+        inputChannels_[channel] = input.channel(channel).data();
+        outputChannels_[channel] = shifted_->channel(channel).data();
+    }
+    shifter_->setPitch(pitch());
+    shifter_->process(inputChannels_, outputChannels_, frameCount);
+    shifted_->setFrameLength(frameCount);
+    shiftedPlace_ = std::min(framesToDrop_, frameCount);
+    framesToDrop_ -= shiftedPlace_;
+}
+
+const AudioPCMBuffer& AudioUnitTimePitch::takeInput(std::uint32_t frameCount)
+{
+    if (!settings_.isOffline || input() == nullptr) {
+        renderInput(*unshifted_, frameCount);
+        return *unshifted_;
+    }
+    if (!readAhead_) {
+        // Not before the first render: until then the player may still be told what to play.
+        readAhead_.emplace(*input(), settings_.format, settings_.maximumFrameCount);
+    }
+    return readAhead_->next();
 }
 
 }  // namespace tonvale

@@ -5,23 +5,32 @@
 #pragma once
 
 #include "Platform/Audio/Graph/AudioNode.h"
+#include "Platform/Audio/Graph/ReadAhead.h"
 
 #include <atomic>
 #include <cstdint>
 #include <memory>
+#include <optional>
+#include <vector>
 
 namespace tonvale {
 
-class RubberBandShifter;
+namespace timepitch {
+class PitchShifter;
+}
 
-/// Shifts the pitch of its input at unchanged tempo. It renders its input ahead by the shifter's
+/// Shifts the pitch of its input at unchanged tempo. It renders its input ahead by the engine's
 /// latency, so every sound comes out at the frame where it went in.
+///
+/// Offline it works in large chunks on up to three threads: one decodes, one analyses, the caller
+/// puts together. The sound is the same.
 class AudioUnitTimePitch final : public AudioNode {
 public:
     AudioUnitTimePitch();
     ~AudioUnitTimePitch() override;
 
-    /// Heard from the next rendered block on. @param cents  -1200 ... 1200; 100 to a semitone
+    /// Heard from the next rendered block on; offline, from the next chunk.
+    /// @param cents  -1200 ... 1200; 100 to a semitone
     /// @thread ANY
     void setPitch(float cents) noexcept { pitch_.store(cents, std::memory_order_relaxed); }
     [[nodiscard]] float pitch() const noexcept { return pitch_.load(std::memory_order_relaxed); }
@@ -29,18 +38,27 @@ public:
     /// The tempo stays as it is: `rate` must be 1; anything else aborts. @thread ANY
     void setRate(float rate) noexcept;
 
-    /// How far ahead of the output the input is read, in frames; 0 before prepare().
+    /// How far ahead of the output the input has to be read, in frames; 0 before prepare().
     [[nodiscard]] std::uint32_t latencyFrames() const noexcept;
 
-    void prepare(const AudioFormat& format, std::uint32_t maximumFrameCount) override;
+    void prepare(const RenderSettings& settings) override;
     void render(AudioPCMBuffer& buffer, std::uint32_t frameCount) override;
 
 private:
-    void renderShifted(AudioPCMBuffer& buffer, std::uint32_t frameCount);
+    [[nodiscard]] std::uint32_t nextChunkFrames(std::uint32_t wanted) const noexcept;
+    void shiftChunk(std::uint32_t frameCount);
+    [[nodiscard]] const AudioPCMBuffer& takeInput(std::uint32_t frameCount);
 
     std::atomic<float> pitch_ = 0.0F;
-    std::unique_ptr<RubberBandShifter> shifter_;
-    std::uint32_t framesToRunAhead_ = 0;
+    RenderSettings settings_;
+    std::unique_ptr<timepitch::PitchShifter> shifter_;
+    std::uint32_t framesToDrop_ = 0;  // of the shifter's latency, still to come out
+    std::unique_ptr<AudioPCMBuffer> unshifted_;
+    std::unique_ptr<AudioPCMBuffer> shifted_;
+    std::uint32_t shiftedPlace_ = 0;  // how much of shifted_ was given away
+    std::vector<const float*> inputChannels_;
+    std::vector<float*> outputChannels_;
+    std::optional<ReadAhead> readAhead_;  // offline only, from the first render on
 };
 
 }  // namespace tonvale

@@ -1,0 +1,46 @@
+// SPDX-FileCopyrightText: 2026 The Tonvale Authors
+//
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include "Platform/Audio/TimePitch/Geometry.h"
+#include "Platform/Audio/TimePitch/InputHistory.h"
+#include "Platform/Audio/TimePitch/LayerAnalysis.h"
+#include "Platform/Audio/TimePitch/LayerDesign.h"
+#include "Platform/Audio/TimePitch/OctaveDecimator.h"
+
+#include <span>
+#include <vector>
+
+namespace tonvale::timepitch {
+
+/// The half of the engine that depends on the input alone, never on the pitch: it may run ahead of
+/// the synthesis, on another thread.
+/// @thread WORKER, one at a time
+class AnalysisStage {
+public:
+    AnalysisStage(const Geometry& geometry, std::span<const LayerDesign> designs,
+                  unsigned channelCount);
+
+    void reset() noexcept;
+
+    /// Takes the next geometry.block frames and analyses what they complete.
+    /// @param channels  one pointer per channel
+    void advance(const float* const* channels) noexcept;
+
+    [[nodiscard]] const FrameHistory& frames(std::size_t layer) const noexcept
+    {
+        return layers_[layer].frames();
+    }
+
+private:
+    [[nodiscard]] const InputHistory& inputOf(const LayerGeometry& layer) const noexcept;
+
+    const Geometry& geometry_;
+    OctaveDecimator decimator_;
+    std::vector<InputHistory> octaves_;  ///< the input at the song's rate, its half, quarter ...
+    std::vector<LayerAnalysis> layers_;
+};
+
+}  // namespace tonvale::timepitch

@@ -1,0 +1,80 @@
+// SPDX-FileCopyrightText: 2026 The Tonvale Authors
+//
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include <algorithm>
+
+#include "Platform/Audio/TimePitch/AudibleSpan.h"
+#include "Platform/Audio/TimePitch/VectorKernels.h"
+
+namespace tonvale::timepitch {
+
+namespace {
+
+// 2 ms to each side. 1 ms keeps the level of a changing chord within 0.4 dB, 2 ms within 0.5 and
+// clicks below -77 dB, 5 ms loses 1.1 dB.
+constexpr double halfFadeSeconds = 0.002;
+
+}  // namespace
+
+SpanGain::SpanGain(const LayerGeometry& geometry, const LayerWindows& windows)
+    : windows_(windows)
+    , hop_(geometry.hop)
+    , release_(geometry.release)
+    , halfFade_(std::max<Frames>(1, static_cast<Frames>(halfFadeSeconds * geometry.sampleRate)))
+{
+}
+
+bool SpanGain::isPlain(const AudibleSpan& span, Frames position, int count) const noexcept
+{
+    return span.start < position - release_ - halfFade_
+           && span.end > position + count + release_ + halfFade_;
+}
+
+void SpanGain::computeCover(Frames firstFrame, Frames lastFrame, Frames position, int count,
+                            float* gains) const noexcept
+{
+    constexpr float smallestSum = 0.3F;  // limits the gain where hardly any frame is left
+    std::fill_n(gains, count, 0.0F);
+    const Frames earliest = ceilDivide(position - release_ + 1, hop_) * hop_;
+    for (Frames frame = std::max(firstFrame, earliest);
+         frame < position + count + release_ && frame <= lastFrame; frame += hop_) {
+        const Frames from = std::max<Frames>(0, frame - release_ - position);
+        const Frames to = std::min<Frames>(count, frame + release_ - position);
+        if (from < to) {
+            kernels::add(windows_.product().data() + (position + from - frame + release_),
+                         static_cast<int>(to - from), gains + from);
+        }
+    }
+    for (int i = 0; i < count; ++i) {
+        gains[i] = 1 / std::max(gains[i], smallestSum);
+    }
+}
+
+void SpanGain::compute(const AudibleSpan& span, Frames position, int count,
+                       float* gains) const noexcept
+{
+    computeCover(span.firstFrame, span.lastFrame, position, count, gains);
+    const bool starts = position < span.start + halfFade_;
+    const bool ends = position + count >= span.end - halfFade_;
+    if (starts || ends) {
+        for (int i = 0; i < count; ++i) {
+            gains[i] *= fade(span, position + i);
+        }
+    }
+}
+
+float SpanGain::fade(const AudibleSpan& span, Frames position) const noexcept
+{
+    const auto width = static_cast<double>(2 * halfFade_);
+    double gain = 1;
+    if (position < span.start + halfFade_) {
+        gain *= raisedCosine(static_cast<double>(position - span.start + halfFade_) / width);
+    }
+    if (position >= span.end - halfFade_) {
+        gain *= raisedCosine(static_cast<double>(span.end + halfFade_ - position) / width);
+    }
+    return static_cast<float>(gain);
+}
+
+}  // namespace tonvale::timepitch

@@ -1,0 +1,223 @@
+// SPDX-FileCopyrightText: 2026 The Tonvale Authors
+//
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include <algorithm>
+#include <cmath>
+#include <optional>
+#include <stdexcept>
+#include <vector>
+
+#include "Platform/Audio/TimePitch/AnalysisStage.h"
+#include "Platform/Audio/TimePitch/AnalysisThread.h"
+#include "Platform/Audio/TimePitch/BlockAssembler.h"
+#include "Platform/Audio/TimePitch/DenormalGuard.h"
+#include "Platform/Audio/TimePitch/DirectPath.h"
+#include "Platform/Audio/TimePitch/PitchShifter.h"
+#include "Platform/Audio/TimePitch/SynthesisStage.h"
+
+namespace tonvale::timepitch {
+
+namespace {
+
+const PitchShifter::Configuration& checked(const PitchShifter::Configuration& configuration)
+{
+    if (!std::isfinite(configuration.sampleRate) || configuration.sampleRate <= 0) {
+        throw std::invalid_argument("The sample rate must be positive.");
+    }
+    if (configuration.channelCount == 0 || configuration.workerThreads > 1) {
+        throw std::invalid_argument("At least one channel and at most one extra thread.");
+    }
+    return configuration;
+}
+
+std::vector<LayerDesign> makeDesigns(const Geometry& geometry)
+{
+    std::vector<LayerDesign> designs;
+    for (const LayerGeometry& layer : geometry.layers) {
+        designs.emplace_back(layer);
+    }
+    return designs;
+}
+
+double ratioOf(float cents)
+{
+    return std::exp2(static_cast<double>(cents) / 1200);
+}
+
+}  // namespace
+
+/// The parts of the engine and the buffers between the caller's blocks and ours.
+class PitchShifter::Engine {
+public:
+    explicit Engine(const Configuration& configuration);
+
+    void reset() noexcept;
+    void setPitch(float cents) noexcept;
+    /// @param out  empty: the output is thrown away
+    void process(std::span<const float* const> in, std::span<float* const> out,
+                 unsigned frameCount) noexcept;
+
+    [[nodiscard]] const Configuration& configuration() const noexcept { return configuration_; }
+    [[nodiscard]] float pitch() const noexcept { return cents_; }
+    [[nodiscard]] const Geometry& geometry() const noexcept { return geometry_; }
+
+private:
+    void processBlock() noexcept;
+
+    Configuration configuration_;
+    Geometry geometry_;
+    std::vector<LayerDesign> designs_;
+    AnalysisStage analysis_;
+    SynthesisStage synthesis_;
+    DirectPath direct_;
+    BlockAssembler assembler_;
+    std::vector<Array<float>> finished_;  ///< the block of output being given away
+    std::vector<float*> finishedPointers_;
+    float cents_ = 0;
+    std::int64_t blocks_ = 0;               ///< processed since the last reset
+    std::optional<AnalysisThread> thread_;  // last: it must end before what it uses
+};
+
+PitchShifter::Engine::Engine(const Configuration& configuration)
+    : configuration_(checked(configuration))
+    , geometry_(makeGeometry(configuration.sampleRate))
+    , designs_(makeDesigns(geometry_))
+    , analysis_(geometry_, designs_, configuration.channelCount)
+    , synthesis_(geometry_, designs_, configuration.channelCount)
+    , direct_(geometry_, configuration.channelCount)
+    , assembler_(configuration.channelCount, geometry_.block)
+{
+    for (unsigned channel = 0; channel < configuration.channelCount; ++channel) {
+        finishedPointers_.push_back(finished_.emplace_back(geometry_.block).data());
+    }
+    if (configuration.workerThreads > 0) {
+        thread_.emplace(analysis_, configuration.channelCount, geometry_.block);
+    }
+}
+
+void PitchShifter::Engine::reset() noexcept
+{
+    if (thread_) {
+        thread_->reset();
+    } else {
+        analysis_.reset();
+    }
+    synthesis_.reset(ratioOf(cents_));
+    direct_.reset(synthesis_.isNeutral());
+    assembler_.reset();
+    for (Array<float>& channel : finished_) {
+        channel.clear();
+    }
+    blocks_ = 0;
+}
+
+void PitchShifter::Engine::setPitch(float cents) noexcept
+{
+    constexpr float octave = 1200;
+    if (std::isnan(cents)) {
+        return;
+    }
+    cents_ = std::clamp(cents, -octave, octave);
+    if (blocks_ == 0) {
+        synthesis_.reset(ratioOf(cents_));
+        direct_.reset(synthesis_.isNeutral());
+    } else {
+        synthesis_.setRatio(ratioOf(cents_));
+    }
+}
+
+void PitchShifter::Engine::process(std::span<const float* const> in, std::span<float* const> out,
+                                   unsigned frameCount) noexcept
+{
+    const DenormalGuard guard;
+    if (thread_) {
+        thread_->begin(in, frameCount);
+    }
+    unsigned done = 0;
+    while (done < frameCount) {
+        const int position = assembler_.filled();
+        const int taken = assembler_.push(in, done, frameCount - done);
+        for (std::size_t channel = 0; channel < out.size(); ++channel) {
+            std::copy_n(finishedPointers_[channel] + position, taken, out[channel] + done);
+        }
+        done += static_cast<unsigned>(taken);
+        if (assembler_.isFull()) {
+            processBlock();
+            assembler_.startNext();
+        }
+    }
+    if (thread_) {
+        thread_->finish();
+    }
+}
+
+void PitchShifter::Engine::processBlock() noexcept
+{
+    ++blocks_;
+    if (thread_) {
+        thread_->waitFor(blocks_);
+    } else {
+        analysis_.advance(assembler_.channels());
+    }
+    synthesis_.advance(analysis_, assembler_.channels(), finishedPointers_);
+    if (thread_) {
+        thread_->release(blocks_);
+    }
+    direct_.process(assembler_.channels(), synthesis_.isNeutral(), finishedPointers_);
+}
+
+PitchShifter::PitchShifter(const Configuration& configuration)
+    : engine_(std::make_unique<Engine>(configuration))
+{
+}
+
+PitchShifter::~PitchShifter() = default;
+PitchShifter::PitchShifter(PitchShifter&&) noexcept = default;
+PitchShifter& PitchShifter::operator=(PitchShifter&&) noexcept = default;
+
+const PitchShifter::Configuration& PitchShifter::configuration() const noexcept
+{
+    return engine_->configuration();
+}
+
+void PitchShifter::reset() noexcept
+{
+    engine_->reset();
+}
+
+void PitchShifter::setPitch(float cents) noexcept
+{
+    engine_->setPitch(cents);
+}
+
+float PitchShifter::pitch() const noexcept
+{
+    return engine_->pitch();
+}
+
+std::int64_t PitchShifter::latencyFrames() const noexcept
+{
+    return engine_->geometry().latency();
+}
+
+// The frames heard at a position reach back a window, those their phases are locked in (with an
+// onset before them) another one, and the first sound after a reset takes a release to settle.
+std::int64_t PitchShifter::prerollFrames() const noexcept
+{
+    const Geometry& geometry = engine_->geometry();
+    return 2 * std::int64_t{geometry.longestWindow} + 2 * geometry.tail;
+}
+
+void PitchShifter::prime(std::span<const float* const> in, unsigned frameCount) noexcept
+{
+    engine_->process(in, {}, frameCount);
+}
+
+void PitchShifter::process(std::span<const float* const> in, std::span<float* const> out,
+                           unsigned frameCount) noexcept
+{
+    engine_->process(in, out, frameCount);
+}
+
+}  // namespace tonvale::timepitch

@@ -1,0 +1,272 @@
+// SPDX-FileCopyrightText: 2026 The Tonvale Authors
+//
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include <algorithm>
+
+#include "Platform/Audio/TimePitch/SynthesisLayer.h"
+#include "Platform/Audio/TimePitch/VectorKernels.h"
+
+namespace tonvale::timepitch {
+
+SynthesisLayer::SynthesisLayer(const LayerDesign& design, const Geometry& geometry,
+                               unsigned channelCount)
+    : design_(design)
+    , channelCount_(channelCount)
+    , block_(geometry.block)
+    , fft_(design.geometry.decimatedSize())
+    , split_(design)
+    , phases_(design)
+    , shifter_(design)
+    , interpolator_(design.geometry, geometry.block / design.geometry.decimation)
+    , spanGain_(design.geometry, design.windows)
+    , gate_(design.geometry, spanGain_, geometry.block)
+    , source_(channelCount, design.binCount)
+    , target_(channelCount, fft_.binCount())
+    , partWeights_(design.binCount)
+    , lowRate_(geometry.block / design.geometry.decimation + 2 * interpolator_.samplesAfter()
+               + kernels::overrun)
+    , gains_(geometry.block)
+{
+    for (std::size_t index = 0; index < pitchRingCount; ++index) {
+        pitchVoices_.emplace_back(makeRing(geometry));
+    }
+    for (std::size_t index = 0; index < onsetRingsPerPitch * pitchesPerOnset; ++index) {
+        onsetVoices_.emplace_back(makeRing(geometry));
+    }
+    for (unsigned channel = 0; channel < channelCount; ++channel) {
+        fullRate_.emplace_back(geometry.block + kernels::overrun);
+        fullRatePointers_.push_back(fullRate_.back().data());
+    }
+}
+
+OverlapRing SynthesisLayer::makeRing(const Geometry& geometry) const
+{
+    const int interpolation = 2 * interpolator_.samplesAfter() * design_.geometry.decimation;
+    const int frames =
+        geometry.tail + design_.geometry.release + 3 * geometry.block + interpolation;
+    return OverlapRing(channelCount_, frames, design_.geometry.decimation);
+}
+
+void SynthesisLayer::reset(double ratio) noexcept
+{
+    for (std::vector<Voice>* voices : {&pitchVoices_, &onsetVoices_}) {
+        for (Voice& voice : *voices) {
+            voice.ring.clear();
+            voice.span = {};
+            voice.lastWritten = AudibleSpan::openBegin;
+            voice.onset = voice.pitch = -1;
+            voice.limit = 1;
+        }
+    }
+    phases_.reset(ratio);
+    currentPitchVoice_ = 0;
+    pitchNumber_ = 0;
+    pitchStart_ = AudibleSpan::openBegin;
+    lastReference_ = 0;
+}
+
+void SynthesisLayer::changeRatio(Frames firstFrame) noexcept
+{
+    const Frames border = firstFrame - design_.geometry.hop / 2;
+    const auto close = [&](Voice& voice) {
+        if (voice.span.end > border) {
+            voice.span.end = border;
+            voice.span.lastFrame = firstFrame - design_.geometry.hop;
+        }
+    };
+    close(pitchVoices_[currentPitchVoice_]);
+    std::ranges::for_each(onsetVoices_, close);
+    ++pitchNumber_;
+    pitchStart_ = border;
+    currentPitchVoice_ = (currentPitchVoice_ + 1) % pitchRingCount;
+    Voice& voice = pitchVoices_[currentPitchVoice_];
+    voice.span = {firstFrame, AudibleSpan::openEnd, border, AudibleSpan::openEnd};
+}
+
+/// Rings are reused in turn; the numbers tell whose frames are in them. Without them the part
+/// before the third next hit would be heard ungated when hits come closer than 70 ms.
+SynthesisLayer::Voice& SynthesisLayer::voiceOf(const Onset& onset, Frames reference,
+                                               bool isFirst) noexcept
+{
+    const auto onsetSlot = static_cast<std::size_t>(onset.number) % onsetRingsPerPitch;
+    const auto pitchSlot = static_cast<std::size_t>(pitchNumber_) % pitchesPerOnset;
+    Voice& voice = onsetVoices_[onsetSlot * pitchesPerOnset + pitchSlot];
+    if (voice.onset != onset.number || voice.pitch != pitchNumber_) {
+        voice.onset = onset.number;
+        voice.pitch = pitchNumber_;
+        voice.limit = 1;
+        voice.span = {reference, AudibleSpan::openEnd,
+                      isFirst ? AudibleSpan::openBegin : pitchStart_, AudibleSpan::openEnd};
+    }
+    return voice;
+}
+
+void SynthesisLayer::synthesise(const FrameHistory& frames, std::int64_t number,
+                                const OnsetList& onsets, const Settings& settings) noexcept
+{
+    const LayerGeometry& layer = design_.geometry;
+    const SpectrumFrame& frame = frames.at(number);
+    const Frames reference = number * layer.hop;
+    lastReference_ = reference;
+    const OnsetContext context = onsets.around(layer, reference);
+    const Onset* current = context.current;
+    const bool isFirst =
+        current != nullptr && reference - layer.hop < current->position - layer.hop / 2;
+    split_.update(frames, number, context);
+    movePhases(frames, number, isFirst ? current : nullptr, settings);
+    shifter_.plan(frame, phases_, settings.ratio, settings.weights, context.isPlain());
+
+    const float* weights = settings.weights.data();
+    Voice& sustained = pitchVoices_[currentPitchVoice_];
+    if (!split_.isSplit()) {
+        synthesisePart(frame, weights, true, sustained, reference);
+        return;
+    }
+    kernels::multiply(weights, split_.oldShare().data(), design_.binCount, partWeights_.data());
+    synthesisePart(frame, partWeights_.data(), true, sustained, reference);
+    if (split_.hasNewPart()) {
+        kernels::multiply(weights, split_.newShare().data(), design_.binCount, partWeights_.data());
+        synthesisePart(frame, partWeights_.data(), false, voiceOf(*current, reference, isFirst),
+                       reference);
+    }
+}
+
+void SynthesisLayer::movePhases(const FrameHistory& frames, std::int64_t number,
+                                const Onset* firstAfter, const Settings& settings) noexcept
+{
+    const SynthesisLayer* lower = settings.lower;
+    const Frames reference = number * design_.geometry.hop;
+    const Array<float>* before =
+        firstAfter == nullptr
+            ? nullptr
+            : &frames.at(OnsetSplit::frameBefore(design_.geometry, *firstAfter)).spreadPower;
+    phases_.advance({.spectrum = frames.at(number),
+                     .reference = reference,
+                     .ratio = settings.ratio,
+                     .ownShare = settings.ownShare,
+                     .lower = lower == nullptr ? nullptr : &lower->phases_,
+                     .sinceLower = lower == nullptr ? 0 : reference - lower->lastReference_,
+                     .firstAfter = firstAfter,
+                     .powerBefore = before});
+}
+
+void SynthesisLayer::synthesisePart(const SpectrumFrame& frame, const float* weights,
+                                    bool isSustained, Voice& voice, Frames reference) noexcept
+{
+    weigh(frame, weights);
+    target_.clear();
+    shifter_.apply(source_, target_, channelCount_, isSustained);
+    if (frame.dcEnd > 0) {
+        carryDc(frame);
+    }
+    voice.lastWritten = reference;
+    for (unsigned channel = 0; channel < channelCount_; ++channel) {
+        fft_.inverse(target_.real(channel), target_.imaginary(channel));
+        addFrame(voice.ring, channel, reference);
+    }
+}
+
+void SynthesisLayer::weigh(const SpectrumFrame& frame, const float* weights) noexcept
+{
+    const int begin = design_.carriesDc() ? 0 : design_.activeBegin;
+    const int count = design_.activeEnd - begin;
+    for (unsigned channel = 0; channel < channelCount_; ++channel) {
+        kernels::multiply(frame.spectra.real(channel) + begin, weights + begin, count,
+                          source_.real(channel) + begin);
+        kernels::multiply(frame.spectra.imaginary(channel) + begin, weights + begin, count,
+                          source_.imaginary(channel) + begin);
+    }
+}
+
+void SynthesisLayer::carryDc(const SpectrumFrame& frame) noexcept
+{
+    for (unsigned channel = 0; channel < channelCount_; ++channel) {
+        kernels::add(source_.real(channel), frame.dcEnd, target_.real(channel));
+        kernels::add(source_.imaginary(channel), frame.dcEnd, target_.imaginary(channel));
+    }
+}
+
+void SynthesisLayer::addFrame(OverlapRing& ring, unsigned channel, Frames reference) noexcept
+{
+    const LayerGeometry& layer = design_.geometry;
+    const int centre = design_.windows.phaseCentre() / layer.decimation;
+    const int begin = (layer.attack - layer.release) / layer.decimation;  // of the heard part
+    const float* window = design_.windows.synthesis().data();
+    const float* samples = fft_.samples();
+    const Frames position = reference - layer.release;
+    const int wrapped = std::max(0, centre - begin);  // samples before the phase centre
+    ring.add(channel, position, samples + fft_.size() - wrapped, window, wrapped);
+    const int first = std::max(centre, begin);
+    ring.add(channel, position + static_cast<Frames>(wrapped) * layer.decimation,
+             samples + first - centre, window + wrapped, fft_.size() - first);
+}
+
+bool SynthesisLayer::isAlive(const Voice& voice, Frames position) const noexcept
+{
+    return voice.lastWritten + design_.geometry.release > position - 2 * block_;
+}
+
+void SynthesisLayer::interpolate(const Voice& voice, Frames position) noexcept
+{
+    const int count = block_ / design_.geometry.decimation;
+    const std::int64_t start =
+        position / design_.geometry.decimation - interpolator_.samplesBefore();
+    const int needed = count + interpolator_.samplesBefore() + interpolator_.samplesAfter();
+    for (unsigned channel = 0; channel < channelCount_; ++channel) {
+        voice.ring.read(channel, start, needed, lowRate_.data());
+        interpolator_.process(lowRate_.data(), count, fullRatePointers_[channel]);
+    }
+}
+
+void SynthesisLayer::render(Frames position, const OnsetDetector& onsets,
+                            std::span<float* const> output) noexcept
+{
+    for (Voice& voice : pitchVoices_) {
+        if (isAlive(voice, position)) {
+            renderPitch(voice, position, output);
+            voice.ring.erase(position - block_, block_);
+        }
+    }
+    for (Voice& voice : onsetVoices_) {
+        if (isAlive(voice, position)) {
+            renderOnset(voice, position, onsets, output);
+            voice.ring.erase(position - block_, block_);
+        }
+    }
+}
+
+void SynthesisLayer::renderPitch(Voice& voice, Frames position,
+                                 std::span<float* const> output) noexcept
+{
+    interpolate(voice, position);
+    const bool plain = spanGain_.isPlain(voice.span, position, block_);
+    if (!plain) {
+        spanGain_.compute(voice.span, position, block_, gains_.data());
+    }
+    for (unsigned channel = 0; channel < channelCount_; ++channel) {
+        if (plain) {
+            kernels::add(fullRatePointers_[channel], block_, output[channel]);
+        } else {
+            kernels::multiplyAdd(fullRatePointers_[channel], gains_.data(), block_,
+                                 output[channel]);
+        }
+    }
+}
+
+void SynthesisLayer::renderOnset(Voice& voice, Frames position, const OnsetDetector& onsets,
+                                 std::span<float* const> output) noexcept
+{
+    const OnsetList& list = onsets.onsets();
+    const auto* onset = std::find_if(list.begin(), list.end(), [&](const Onset& candidate) {
+        return candidate.number == voice.onset && candidate.isIn(design_.geometry.index);
+    });
+    if (onset == list.end() || onset->position - gate_.fadeFrames() >= position + block_) {
+        return;
+    }
+    interpolate(voice, position);
+    gate_.process(position, onset->position, voice.span, onsets, voice.limit, fullRatePointers_,
+                  output);
+}
+
+}  // namespace tonvale::timepitch

@@ -1,0 +1,116 @@
+// SPDX-FileCopyrightText: 2026 The Tonvale Authors
+//
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include "Platform/Audio/TimePitch/Array.h"
+#include "Platform/Audio/TimePitch/AudibleSpan.h"
+#include "Platform/Audio/TimePitch/Interpolator.h"
+#include "Platform/Audio/TimePitch/LayerDesign.h"
+#include "Platform/Audio/TimePitch/OnsetDetector.h"
+#include "Platform/Audio/TimePitch/OnsetGate.h"
+#include "Platform/Audio/TimePitch/OnsetSplit.h"
+#include "Platform/Audio/TimePitch/OverlapRing.h"
+#include "Platform/Audio/TimePitch/PhaseTracker.h"
+#include "Platform/Audio/TimePitch/RealFft.h"
+#include "Platform/Audio/TimePitch/RegionShifter.h"
+#include "Platform/Audio/TimePitch/SpectrumFrame.h"
+
+#include <cstdint>
+#include <span>
+#include <utility>
+#include <vector>
+
+namespace tonvale::timepitch {
+
+/// Makes the output of one layer from its frames.
+///
+/// Frames are put back where they came from (constant hop, no stretching), so nothing can move in
+/// time. The old parts of frames go to one ring per pitch: when the ratio changes, new frames go to
+/// the next ring and the two are crossfaded half a hop before the first new frame. The new parts of
+/// an onset go to rings of their own, one per onset and pitch, and through the gate.
+/// @thread WORKER, one at a time; only constructing allocates
+class SynthesisLayer {
+public:
+    SynthesisLayer(const LayerDesign& design, const Geometry& geometry, unsigned channelCount);
+    SynthesisLayer(const SynthesisLayer&) = delete;  // its parts refer to each other
+    SynthesisLayer& operator=(const SynthesisLayer&) = delete;
+
+    void reset(double ratio) noexcept;
+    /// New frames from reference `firstFrame` on have another ratio.
+    void changeRatio(Frames firstFrame) noexcept;
+
+    /// What a frame is made with.
+    struct Settings {
+        double ratio;
+        const Array<float>& weights;   ///< band weight per stored bin
+        const Array<float>& ownShare;  ///< see PhaseTracker::Frame
+        const SynthesisLayer* lower;   ///< the layer below, or null
+    };
+    /// Synthesises frame `number`.
+    void synthesise(const FrameHistory& frames, std::int64_t number, const OnsetList& onsets,
+                    const Settings& settings) noexcept;
+
+    /// Adds the block at `position` to `output` and frees the memory of the block before it.
+    void render(Frames position, const OnsetDetector& onsets,
+                std::span<float* const> output) noexcept;
+
+    [[nodiscard]] PhaseTracker& phases() noexcept { return phases_; }
+
+private:
+    static constexpr std::size_t pitchRingCount = 6;      // changes within one window's length
+    static constexpr std::size_t onsetRingsPerPitch = 3;  // hits within one window's length
+    static constexpr std::size_t pitchesPerOnset = 4;
+
+    struct Voice {  ///< frames that are heard together
+        explicit Voice(OverlapRing memory) : ring(std::move(memory)) {}
+        OverlapRing ring;
+        AudibleSpan span;
+        Frames lastWritten = AudibleSpan::openBegin;
+        std::int64_t onset = -1;  ///< number of the onset; new parts only
+        std::int64_t pitch = -1;  ///< number of the ratio; new parts only
+        float limit = 1;          ///< gain of the gate's limiter
+    };
+
+    [[nodiscard]] OverlapRing makeRing(const Geometry& geometry) const;
+    [[nodiscard]] Voice& voiceOf(const Onset& onset, Frames reference, bool isFirst) noexcept;
+    void movePhases(const FrameHistory& frames, std::int64_t number, const Onset* firstAfter,
+                    const Settings& settings) noexcept;
+    void synthesisePart(const SpectrumFrame& frame, const float* weights, bool isSustained,
+                        Voice& voice, Frames reference) noexcept;
+    void weigh(const SpectrumFrame& frame, const float* weights) noexcept;
+    void carryDc(const SpectrumFrame& frame) noexcept;
+    void addFrame(OverlapRing& ring, unsigned channel, Frames reference) noexcept;
+    void interpolate(const Voice& voice, Frames position) noexcept;
+    [[nodiscard]] bool isAlive(const Voice& voice, Frames position) const noexcept;
+    void renderPitch(Voice& voice, Frames position, std::span<float* const> output) noexcept;
+    void renderOnset(Voice& voice, Frames position, const OnsetDetector& onsets,
+                     std::span<float* const> output) noexcept;
+
+    const LayerDesign& design_;
+    unsigned channelCount_;
+    int block_;
+    RealFft fft_;
+    OnsetSplit split_;
+    PhaseTracker phases_;
+    RegionShifter shifter_;
+    Interpolator interpolator_;
+    SpanGain spanGain_;
+    OnsetGate gate_;
+    std::vector<Voice> pitchVoices_;
+    std::vector<Voice> onsetVoices_;
+    std::size_t currentPitchVoice_ = 0;
+    std::int64_t pitchNumber_ = 0;
+    Frames pitchStart_ = AudibleSpan::openBegin;
+    Frames lastReference_ = 0;
+    ChannelSpectra source_;
+    ChannelSpectra target_;
+    Array<float> partWeights_;
+    Array<float> lowRate_;
+    Array<float> gains_;
+    std::vector<Array<float>> fullRate_;
+    std::vector<float*> fullRatePointers_;
+};
+
+}  // namespace tonvale::timepitch

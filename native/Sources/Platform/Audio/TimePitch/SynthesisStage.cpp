@@ -1,0 +1,133 @@
+// SPDX-FileCopyrightText: 2026 The Tonvale Authors
+//
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include <algorithm>
+
+#include "Platform/Audio/TimePitch/SynthesisStage.h"
+
+namespace tonvale::timepitch {
+
+namespace {
+
+constexpr unsigned lowLayers = 3;  // bits of the two layers that share the lowest band
+
+}  // namespace
+
+SynthesisStage::SynthesisStage(const Geometry& geometry, std::span<const LayerDesign> designs,
+                               unsigned channelCount)
+    : geometry_(geometry)
+    , designs_(designs)
+    , detector_(geometry, channelCount)
+    , framesToNeutral_(static_cast<Frames>(pi / PhaseTracker::returnSpeed * geometry.sampleRate)
+                       + geometry.latency() + geometry.longestWindow)
+{
+    for (const LayerDesign& design : designs) {
+        layers_.push_back(std::make_unique<SynthesisLayer>(design, geometry, channelCount));
+        noShare_.emplace_back(design.binCount);
+        Array<float>& weights = fixedWeights_.emplace_back(design.binCount);
+        std::copy_n(design.bandWeights.data() + design.firstBin, design.binCount, weights.data());
+    }
+    if (designs.size() > 1) {
+        lowBand_.emplace(designs[0], designs[1]);
+    }
+    reset(1);
+}
+
+void SynthesisStage::reset(double ratio) noexcept
+{
+    ratio_ = wantedRatio_ = ratio;
+    inputEnd_ = 0;
+    neutralFrames_ = ratio == 1 ? framesToNeutral_ : 0;
+    detector_.reset();
+    for (const std::unique_ptr<SynthesisLayer>& layer : layers_) {
+        layer->reset(ratio);
+    }
+    if (lowBand_) {
+        lowBand_->reset();
+    }
+}
+
+void SynthesisStage::advance(const AnalysisStage& analysis, const float* const* input,
+                             std::span<float* const> output) noexcept
+{
+    detector_.advance(input);
+    inputEnd_ += geometry_.block;
+    const Frames reference = inputEnd_ - geometry_.lookAhead;
+    takeOverRatio(reference);
+    countNeutralFrames();
+    chooseLowBand(analysis, reference);
+    for (std::size_t index = 0; index < layers_.size(); ++index) {
+        synthesiseLayer(index, analysis, reference);
+    }
+    const Frames position = reference - geometry_.tail;
+    for (float* channel : output) {
+        std::fill_n(channel, geometry_.block, 0.0F);
+    }
+    for (const std::unique_ptr<SynthesisLayer>& layer : layers_) {
+        layer->render(position, detector_, output);
+    }
+    detector_.onsets().forgetBefore(position - geometry_.longestWindow);
+}
+
+void SynthesisStage::takeOverRatio(Frames reference) noexcept
+{
+    if (reference % geometry_.longestHop != 0 || ratio_ == wantedRatio_) {
+        return;
+    }
+    ratio_ = wantedRatio_;
+    for (const std::unique_ptr<SynthesisLayer>& layer : layers_) {
+        layer->changeRatio(reference);
+    }
+}
+
+void SynthesisStage::countNeutralFrames() noexcept
+{
+    if (ratio_ != 1) {
+        neutralFrames_ = 0;
+        return;
+    }
+    const bool was = isNeutral();
+    neutralFrames_ = std::min(framesToNeutral_, neutralFrames_ + geometry_.block);
+    if (!was && isNeutral()) {  // bins that nothing used for so long may still hold a rotation
+        for (const std::unique_ptr<SynthesisLayer>& layer : layers_) {
+            layer->phases().clearRotations();
+        }
+    }
+}
+
+void SynthesisStage::chooseLowBand(const AnalysisStage& analysis, Frames reference) noexcept
+{
+    const LayerGeometry& lowest = geometry_.layers.front();
+    if (lowBand_ && reference % lowest.hop == 0) {
+        const bool isNearOnset = detector_.onsets().isNear(reference, lowest.release, lowLayers);
+        lowBand_->update(analysis.frames(1), floorDivide(reference, lowest.hop), !isNearOnset);
+    }
+}
+
+void SynthesisStage::synthesiseLayer(std::size_t index, const AnalysisStage& analysis,
+                                     Frames reference) noexcept
+{
+    const LayerGeometry& layer = geometry_.layers[index];
+    if (reference % layer.hop != 0) {
+        return;
+    }
+    const bool isLowest = index == 0;
+    const bool isSecond = index == 1;
+    const Array<float>* weights = &fixedWeights_[index];
+    if (lowBand_ && (isLowest || isSecond)) {
+        weights = isLowest ? &lowBand_->lowestWeights() : &lowBand_->secondWeights();
+    }
+    const SynthesisLayer::Settings settings{
+        .ratio = ratio_,
+        .weights = *weights,
+        .ownShare = lowBand_ && isSecond ? lowBand_->servedShare() : noShare_[index],
+        .lower = isLowest ? nullptr : layers_[index - 1].get()};
+    layers_[index]->synthesise(analysis.frames(index), floorDivide(reference, layer.hop),
+                               detector_.onsets(), settings);
+    if (lowBand_ && isSecond) {
+        layers_[1]->phases().handTo(layers_[0]->phases(), lowBand_->lostShare());
+    }
+}
+
+}  // namespace tonvale::timepitch
