@@ -24,7 +24,7 @@ BASE = "rubberband -3"
 
 
 def make_song(path: pathlib.Path, seconds: int) -> None:
-    """The demo tune again and again, each time a little louder or softer."""
+    """The demo tune again and again."""
     maker = pathlib.Path(__file__).parent.parent / "scripts" / "make-demo-tune"
     tune_path = path.with_name("tune.wav")
     subprocess.run([sys.executable, str(maker), str(tune_path)], check=True)

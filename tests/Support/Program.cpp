@@ -29,6 +29,9 @@ namespace {
     if (!options.folder.empty() && ::chdir(options.folder.c_str()) != 0) {
         ::_exit(126);
     }
+    for (const int signalNumber : {SIGINT, SIGTERM, SIGHUP}) {
+        ::signal(signalNumber, SIG_DFL);  // a background job inherits them ignored
+    }
     options.prepare();
     std::vector<char*> words;
     for (const std::string& argument : arguments) {

@@ -105,16 +105,17 @@ TEST(CommandLine, RefusesNumbersOutOfRangeAndWhatIsNoNumber)
 
 TEST(CommandLine, RefusesAShiftThatIsMissingHalfOrDouble)
 {
-    const std::string sayOne =
-        "Say how far to shift: --from (or --detect) and --to, or --semitones, or --cents.";
-    EXPECT_EQ(refusalOf({"a"}), sayOne);
-    EXPECT_EQ(refusalOf({"a", "--from", "C"}), sayOne);
-    EXPECT_EQ(refusalOf({"a", "--to", "C"}), sayOne);
-    EXPECT_EQ(refusalOf({"a", "--cents", "1", "--semitones", "1"}), sayOne);
-    EXPECT_EQ(refusalOf({"a", "--from", "C", "--to", "D", "--cents", "1"}), sayOne);
-    EXPECT_EQ(refusalOf({"a", "--detect", "--from", "C", "--to", "D"}), sayOne);
-    EXPECT_EQ(refusalOf({"a", "--detect", "--cents", "1"}), sayOne);
-    EXPECT_EQ(refusalOf({"a", "--detect", "-o", "out.wav"}), sayOne);
+    const std::string onlyOne = "Give only one of keys, --semitones and --cents.";
+    EXPECT_EQ(refusalOf({"a"}), "How far? Give --from and --to, or --semitones, or --cents.");
+    EXPECT_EQ(refusalOf({"a", "--from", "C"}), "Which key should it be in? Add --to.");
+    EXPECT_EQ(refusalOf({"a", "--to", "C"}), "Which key is it in? Add --from, or --detect.");
+    EXPECT_EQ(refusalOf({"a", "--cents", "1", "--semitones", "1"}), onlyOne);
+    EXPECT_EQ(refusalOf({"a", "--from", "C", "--to", "D", "--cents", "1"}), onlyOne);
+    EXPECT_EQ(refusalOf({"a", "--detect", "--cents", "1"}), onlyOne);
+    EXPECT_EQ(refusalOf({"a", "--detect", "--from", "C", "--to", "D"}),
+              "Give only one of --from and --detect.");
+    EXPECT_EQ(refusalOf({"a", "--detect", "-o", "out.wav"}),
+              "Which key should it be in? Add --to.");
 }
 
 TEST(CommandLine, RefusesWrongUseWithASentenceThatNamesIt)
@@ -122,11 +123,14 @@ TEST(CommandLine, RefusesWrongUseWithASentenceThatNamesIt)
     EXPECT_EQ(refusalOf({"--cents", "1"}), "Which song? Name one audio file.");
     EXPECT_EQ(refusalOf({"My", "Song.mp3", "--cents", "1"}),
               "Name one song only; names with blanks need quotes.");
-    EXPECT_EQ(refusalOf({"a", "--cents"}), "--cents needs a value.");
+    EXPECT_EQ(refusalOf({"a", "--cents"}), "\"--cents\" needs a value.");
     EXPECT_EQ(refusalOf({"a", "-o"}), "-o needs a value.");
-    EXPECT_EQ(refusalOf({"a", "--loud"}), "--loud is not an option.");
+    EXPECT_EQ(refusalOf({"a", "--loud"}), "\"--loud\" is not an option.");
+    EXPECT_EQ(refusalOf({"a", "--\x1b[31mred\n"}), "\"--?[31mred?\" is not an option.");
+    EXPECT_EQ(refusalOf({"a", "\u2014from", "C"}),
+              "An option here begins with a long dash; type two short ones: --.");
     EXPECT_EQ(refusalOf({"a", "-x"}), "-x is not an option.");
-    EXPECT_EQ(refusalOf({"a", "--quiet=yes"}), "--quiet=yes is not an option.");
+    EXPECT_EQ(refusalOf({"a", "--quiet=yes"}), "\"--quiet=yes\" is an option that takes no value.");
     EXPECT_EQ(refusalOf({"a", "--cents", "1", "--cents", "2"}), "--cents is given twice.");
     EXPECT_NE(refusalOf({"a", "--from", "H", "--to", "C"}).find("write B for H"),
               std::string::npos);

@@ -86,9 +86,9 @@ std::string refusalOf(std::string_view text)
 TEST(KeyParser, RefusesWhatIsNoKeyAndQuotesIt)
 {
     for (const std::string_view text :
-         {"",      " ",        "X",    "J minor", "C minro", "Cmm", "C#b#", "Am7", "C major major",
-          "C / D", "A#m / Bb", "Bb /", "/",       "mC",      "C-",  "Ces",  "3",   "C\xff",
-          "♭",     "C♮♮"}) {
+         {"",      " ",        "X",    "J minor", "C minro", "Cmm", "C#b#",  "Am7", "C major major",
+          "C / D", "A#m / Bb", "Bb /", "/",       "mC",      "C-",  "hello", "Hx",  "Ces",
+          "3",     "C\xff",    "♭",    "C♮♮"}) {
         const std::string refusal = refusalOf(text);
         EXPECT_NE(refusal.find("\"" + std::string(text) + "\" is not a key"), std::string::npos)
             << text << ": " << refusal;

@@ -6,10 +6,12 @@
 
 #include "Tonvale/Keys/TranspositionInterval.h"
 #include "TonvaleRender/KeyParser.h"
+#include "TonvaleRender/TerminalText.h"
 #include "TonvaleRender/UsageError.h"
 
 #include <getopt.h>
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <string_view>
@@ -70,9 +72,16 @@ void set(std::optional<std::string>& value, std::string_view name)
 /// The option that getopt just complained about, as the user wrote it.
 std::string offendingOption(const std::vector<char*>& words)
 {
-    const bool isShort = optopt > 0 && optopt < fromOption;
-    return isShort ? std::string("-") + static_cast<char>(optopt)
-                   : words[static_cast<std::size_t>(optind - 1)];
+    const bool isLetter = optopt > 0 && optopt < 128;
+    return isLetter ? std::string("-") + static_cast<char>(optopt)
+                    : quotedText(words[static_cast<std::size_t>(optind - 1)]);
+}
+
+[[noreturn]] void refuseOption(const std::vector<char*>& words)
+{
+    const bool isKnown = optopt >= fromOption;  // then it was given a value that it does not take
+    throw UsageError(offendingOption(words)
+                     + (isKnown ? " is an option that takes no value." : " is not an option."));
 }
 
 void take(GivenOptions& given, int code, const std::vector<char*>& words)
@@ -106,7 +115,7 @@ void take(GivenOptions& given, int code, const std::vector<char*>& words)
     case ':':
         throw UsageError(offendingOption(words) + " needs a value.");
     default:
-        throw UsageError(offendingOption(words) + " is not an option.");
+        refuseOption(words);
     }
 }
 
@@ -144,24 +153,40 @@ int parseNumber(std::string_view text, int limit, const std::string& name)
     if (error != std::errc() || end != digits.data() + digits.size() || number < -limit
         || number > limit) {
         throw UsageError(name + " takes a whole number from -" + std::to_string(limit) + " to "
-                         + std::to_string(limit) + ", not \"" + std::string(text) + "\".");
+                         + std::to_string(limit) + ", not " + quotedText(text) + ".");
     }
     return number;
 }
 
-void setShift(RenderRequest& request, const GivenOptions& given)
+/// Exactly one way to say how far, and all of it.
+void checkShift(const GivenOptions& given)
 {
     const bool byKeys = given.from || given.to || given.detect;
     const int ways = (byKeys ? 1 : 0) + (given.semitones ? 1 : 0) + (given.cents ? 1 : 0);
-    if (ways != 1 || (byKeys && !(given.to && given.from.has_value() != given.detect))) {
-        throw UsageError(
-            "Say how far to shift: --from (or --detect) and --to, or --semitones, or --cents.");
+    if (ways == 0) {
+        throw UsageError("How far? Give --from and --to, or --semitones, or --cents.");
+    }
+    if (ways > 1) {
+        throw UsageError("Give only one of keys, --semitones and --cents.");
+    }
+    if (byKeys && !given.to) {
+        throw UsageError("Which key should it be in? Add --to.");
+    }
+    if (byKeys && given.from.has_value() == given.detect) {
+        throw UsageError(given.detect ? "Give only one of --from and --detect."
+                                      : "Which key is it in? Add --from, or --detect.");
+    }
+}
+
+void setShift(RenderRequest& request, const GivenOptions& given)
+{
+    checkShift(given);
+    if (given.to) {
+        request.targetKey = parseKey(*given.to);
     }
     if (given.detect) {
-        request.targetKey = parseKey(*given.to);
         request.detectsSourceKey = true;
-    } else if (byKeys) {
-        request.targetKey = parseKey(*given.to);
+    } else if (given.from) {
         request.cents =
             centsForSemitones(semitonesBetween(parseKey(*given.from), *request.targetKey));
     } else if (given.semitones) {
@@ -170,6 +195,21 @@ void setShift(RenderRequest& request, const GivenOptions& given)
             centsForSemitones(parseNumber(*given.semitones, mostSemitones, "--semitones"));
     } else {
         request.cents = parseNumber(*given.cents, mostCents, "--cents");
+    }
+}
+
+/// One song; options pasted from a text may have lost their two dashes to a long one.
+void checkInputs(const std::vector<std::string>& inputs)
+{
+    const auto beginsWithLongDash = [](const std::string& word) {
+        return word.starts_with("\u2013") || word.starts_with("\u2014");
+    };
+    if (std::ranges::any_of(inputs, beginsWithLongDash)) {
+        throw UsageError("An option here begins with a long dash; type two short ones: --.");
+    }
+    if (inputs.size() != 1) {
+        throw UsageError(inputs.empty() ? "Which song? Name one audio file."
+                                        : "Name one song only; names with blanks need quotes.");
     }
 }
 
@@ -190,11 +230,7 @@ CommandLine parseCommandLine(std::span<char* const> arguments)
         commandLine.action = *given.information;
         return commandLine;
     }
-    if (given.inputs.size() != 1) {
-        throw UsageError(given.inputs.empty()
-                             ? "Which song? Name one audio file."
-                             : "Name one song only; names with blanks need quotes.");
-    }
+    checkInputs(given.inputs);
     RenderRequest& request = commandLine.request;
     request.input = given.inputs.front();
     if (given.output) {

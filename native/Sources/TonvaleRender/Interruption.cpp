@@ -24,11 +24,10 @@ void remember(int signalNumber)
     receivedSignal.store(signalNumber);
 }
 
-void handle(int signalNumber, void (*handler)(int), int flags)
+void handle(int signalNumber, void (*handler)(int))
 {
     struct sigaction action = {};
     action.sa_handler = handler;
-    action.sa_flags = flags;
     sigaction(signalNumber, &action, nullptr);
 }
 
@@ -46,7 +45,7 @@ Interruption::Interruption()
     receivedSignal.store(0);
     for (const int signalNumber : stoppingSignals) {
         if (!isIgnored(signalNumber)) {  // nohup and background jobs ignore some on purpose
-            handle(signalNumber, remember, static_cast<int>(SA_RESETHAND));
+            handle(signalNumber, remember);
         }
     }
 }
@@ -55,7 +54,7 @@ Interruption::~Interruption()
 {
     for (const int signalNumber : stoppingSignals) {
         if (!isIgnored(signalNumber)) {
-            handle(signalNumber, SIG_DFL, 0);
+            handle(signalNumber, SIG_DFL);
         }
     }
 }
@@ -67,7 +66,7 @@ int Interruption::signalNumber() const noexcept
 
 void endBySignal(int signalNumber)
 {
-    handle(signalNumber, SIG_DFL, 0);
+    handle(signalNumber, SIG_DFL);
     std::raise(signalNumber);
     std::_Exit(128 + signalNumber);  // reached only where the signal is blocked
 }

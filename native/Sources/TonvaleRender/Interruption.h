@@ -7,7 +7,8 @@
 namespace tonvale {
 
 /// Remembers that the user asked to stop (Ctrl-C, or the terminal or system going down), so that
-/// the render can end between two blocks and clean up. A second signal ends the process at once.
+/// the render can end between two blocks and clean up. Further signals change nothing: shells,
+/// terminals and timeouts like to send more than one.
 /// One per process; the destructor gives the signals back.
 /// @thread CONTROL; signalNumber() ANY
 class Interruption {

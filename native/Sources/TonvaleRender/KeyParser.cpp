@@ -4,6 +4,7 @@
 
 #include "TonvaleRender/KeyParser.h"
 
+#include "TonvaleRender/TerminalText.h"
 #include "TonvaleRender/UsageError.h"
 
 #include <algorithm>
@@ -128,13 +129,25 @@ std::optional<Spelling> parseSpellings(std::string_view text)
     return agree ? right : std::nullopt;
 }
 
+/// "H minor": what would be a key if its H were a B.
+bool isGermanH(std::string_view text)
+{
+    std::string asB(trimmed(text));
+    if (asB.empty() || lowerCase(asB.front()) != 'h') {
+        return false;
+    }
+    asB.front() = 'B';
+    return parseSpellings(asB).has_value();
+}
+
 [[noreturn]] void refuse(std::string_view text)
 {
-    const std::string quoted = "\"" + std::string(text) + "\"";
-    if (startsWithWord(trimmed(text), "h")) {
-        throw UsageError(quoted + " is a German name: write B for H, and Bb for the German B.");
+    if (isGermanH(text)) {
+        throw UsageError(quotedText(text)
+                         + " is a German name: write B for H, and Bb for the German B.");
     }
-    throw UsageError(quoted + " is not a key; keys look like C, F#, Bb, \"Eb minor\" or C#m.");
+    throw UsageError(quotedText(text)
+                     + " is not a key; keys look like C, F#, Bb, \"Eb minor\" or C#m.");
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include "TonvaleRender/OutputFile.h"
 
 #include "Platform/Foundation/PlatformError.h"
+#include "Tonvale/Keys/ExportFileName.h"
 #include "Tonvale/Keys/TranspositionInterval.h"
 #include "TonvaleRender/TerminalText.h"
 
@@ -26,13 +27,16 @@ std::string countOf(int number, const std::string& unit)
     return formatSigned(number) + " " + unit + (std::abs(number) == 1 ? "" : "s");
 }
 
-std::string shiftSuffix(const RenderRequest& request)
+std::filesystem::path defaultName(const RenderRequest& request)
 {
     if (request.targetKey) {
-        return " - Key of " + std::string(request.targetKey->fileNameComponent());
+        return defaultExportFileName(request.input, *request.targetKey);
     }
-    return request.countsSemitones ? " (" + countOf(request.cents / 100, "semitone") + ")"
-                                   : " (" + countOf(request.cents, "cent") + ")";
+    const std::string shift = request.countsSemitones ? countOf(request.cents / 100, "semitone")
+                                                      : countOf(request.cents, "cent");
+    std::filesystem::path name = request.input.stem();
+    name += " (" + shift + ").wav";
+    return name;
 }
 
 [[noreturn]] void refuse(const std::filesystem::path& output, const std::string& reason)
@@ -81,9 +85,7 @@ std::filesystem::path outputFor(const RenderRequest& request)
     if (request.output) {
         return *request.output;
     }
-    std::filesystem::path name = request.input.stem();
-    name += shiftSuffix(request) + ".wav";
-    return request.input.parent_path() / name;
+    return request.input.parent_path() / defaultName(request);
 }
 
 void checkOutput(const std::filesystem::path& output, const RenderRequest& request)

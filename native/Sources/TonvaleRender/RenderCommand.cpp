@@ -26,28 +26,37 @@ struct Interrupted {
     int signalNumber;
 };
 
-/// Watches a render: draws the bar on a terminal and stops when the user asks.
+/// Watches a render: draws the bar on a terminal and stops when the user asks. Before the output
+/// is there a signal ends the process by itself, as there is nothing to clean up.
 class Watcher {
 public:
-    explicit Watcher(bool drawsBar)
-    {
-        if (drawsBar) {
-            bar_.emplace(std::cerr);
-        }
-    }
+    explicit Watcher(bool drawsBar) : drawsBar_(drawsBar) {}
 
     void operator()(RenderProgress progress)
     {
-        if (const int signalNumber = interruption_.signalNumber(); signalNumber != 0) {
+        if (!interruption_) {
+            interruption_.emplace();
+        }
+        if (const int signalNumber = interruption_->signalNumber(); signalNumber != 0) {
+            bar_.reset();
             throw Interrupted{signalNumber};
         }
-        if (bar_) {
-            bar_->update(progress.renderedFrames, progress.totalFrames);
+        if (drawsBar_) {
+            draw(progress);
         }
     }
 
 private:
-    Interruption interruption_;
+    void draw(RenderProgress progress)
+    {
+        if (!bar_) {
+            bar_.emplace(std::cerr);
+        }
+        bar_->update(progress.renderedFrames, progress.totalFrames);
+    }
+
+    bool drawsBar_;
+    std::optional<Interruption> interruption_;  // until the process ends or the result is told
     std::optional<ProgressBar> bar_;
 };
 
@@ -74,6 +83,9 @@ void render(const RenderRequest& request, int cents, const std::filesystem::path
     Watcher watcher(!request.isQuiet && ::isatty(STDERR_FILENO) == 1);
     try {
         AudioExportService::render(request.input, output, cents, std::ref(watcher));
+    } catch (const Interrupted& interrupted) {
+        ::unlink(output.c_str());  // ours: the watcher is first called when it was created
+        endBySignal(interrupted.signalNumber);
     } catch (const LocalizedError& error) {
         throw PlatformError("Could not render " + quotedName(request.input) + " into "
                             + quotedName(output) + ": " + error.errorDescription());
@@ -102,12 +114,7 @@ void runRender(const RenderRequest& request)
     const std::filesystem::path output = outputFor(request);
     checkOutput(output, request);
     const int cents = request.detectsSourceKey ? detectedCents(request) : request.cents;
-    try {
-        render(request, cents, output);
-    } catch (const Interrupted& interrupted) {
-        ::unlink(output.c_str());  // ours: it is only thrown while blocks are being written
-        endBySignal(interrupted.signalNumber);
-    }
+    render(request, cents, output);
     if (!request.isQuiet) {
         std::cout << "Saved " << quotedName(output) << '\n' << std::flush;
     }

@@ -4,25 +4,20 @@
 
 #pragma once
 
-#include <algorithm>
 #include <filesystem>
 #include <string>
+#include <string_view>
 
 namespace tonvale {
 
-/// A file's name in quotes for a message of one line: control characters, which a name may hold,
-/// become question marks, so that no name can garble the terminal.
+/// A text from outside in quotes for a message of one line: control characters, which a file name
+/// or an argument may hold, become question marks, so that no text can garble the terminal.
+/// @param text  UTF-8 for the most part
+[[nodiscard]] std::string quotedText(std::string_view text);
+
 [[nodiscard]] inline std::string quotedName(const std::filesystem::path& url)
 {
-    std::string name = url.string();
-    std::ranges::replace_if(
-        name,
-        [](char letter) {
-            const auto code = static_cast<unsigned char>(letter);
-            return code < 0x20 || code == 0x7F;
-        },
-        '?');
-    return "\"" + name + "\"";
+    return quotedText(url.native());
 }
 
 }  // namespace tonvale

@@ -3,6 +3,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "Platform/Foundation/LocalizedError.h"
+#include "Platform/Foundation/PlatformError.h"
 #include "TonvaleRender/CommandLine.h"
 #include "TonvaleRender/RenderCommand.h"
 #include "TonvaleRender/UsageError.h"
@@ -45,6 +46,9 @@ int main(int argumentCount, char* arguments[])
     std::signal(SIGPIPE, SIG_IGN);
     try {
         run(std::span(arguments, static_cast<std::size_t>(argumentCount)));
+        if (!std::cout.flush()) {
+            throw tonvale::PlatformError("What there was to say could not be written.");
+        }
         return success;
     } catch (const tonvale::UsageError& error) {
         std::cerr << "tonvale-render: " << error.errorDescription()

@@ -98,6 +98,8 @@ void AudioExportService::render(const std::filesystem::path& sourceURL,
 
     AudioFile destination =
         createDestination(destinationURL, settingsFor(source->processingFormat()));
+    observer(RenderProgress{0, source->length()});
+
     engine.connect(player, pitchUnit, source->processingFormat());
     engine.connect(pitchUnit, engine.mainMixerNode(), destination.processingFormat());
     engine.enableManualRenderingMode(AudioEngineManualRenderingMode::offline,

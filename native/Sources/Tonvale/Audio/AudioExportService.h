@@ -15,7 +15,8 @@ struct RenderProgress {
     std::int64_t totalFrames;
 };
 
-/// Called on the rendering thread after each block; throws to stop the render.
+/// Called on the rendering thread once when the destination was created and after each block;
+/// throws to stop the render.
 using RenderObserver = std::function<void(RenderProgress)>;
 
 /// Renders whole songs into files.
@@ -26,7 +27,7 @@ namespace AudioExportService {
 /// The container follows the extension of `destinationURL`; a file already there is deleted first.
 /// Blocks until done; renders may run beside each other. When it fails after the destination was
 /// created, the unfinished file stays.
-/// @param pitchCents  -1200 ... 1200
+/// @param pitchCents  clamped to -1200 ... 1200
 /// @error AudioExportError; PlatformError from opening, deleting, reading and writing
 /// @thread WORKER
 void render(const std::filesystem::path& sourceURL, const std::filesystem::path& destinationURL,

@@ -89,6 +89,22 @@ TEST(AudioEngine, RendersNothingWhileItStandsStill)
     EXPECT_EQ(engine.manualRenderingSampleTime(), 64);
 }
 
+TEST(AudioEngine, RendersSmallBlocksIntoALargeBuffer)
+{
+    const Signal signal = ramp(2000);
+    SignalNode source(signal);
+    AudioEngine engine;
+    engine.attach(source);
+    engine.connect(source, engine.mainMixerNode(), mono);
+    engine.enableManualRenderingMode(offline, mono, 64);
+    engine.start();
+    const auto buffer = AudioPCMBuffer::create(mono, 4096);
+    for (std::size_t frame = 0; frame + 64 <= signal.size(); frame += 64) {
+        ASSERT_EQ(engine.renderOffline(64, *buffer), Status::success);
+        ASSERT_EQ(buffer->channel(0)[63], signal[frame + 63]);
+    }
+}
+
 TEST(AudioEngine, RefusesFormatsThatItCannotRender)
 {
     for (const AudioFormat& format :
@@ -120,6 +136,15 @@ TEST(AudioEngine, TakesTheRenderingFormatWhereAConnectionNamesNone)
     const auto buffer = AudioPCMBuffer::create(mono, 64);
     EXPECT_EQ(engine.renderOffline(64, *buffer), Status::success);
     EXPECT_EQ(buffer->channel(0)[32], 0.5F);
+}
+
+TEST(AudioEngineDeathTest, AbortsForABufferOfAnotherFormat)
+{
+    AudioEngine engine;
+    engine.enableManualRenderingMode(offline, mono, 64);
+    engine.start();
+    const auto buffer = AudioPCMBuffer::create({44100, 2}, 64);
+    EXPECT_EXIT((void)engine.renderOffline(64, *buffer), ::testing::KilledBySignal(SIGABRT), "");
 }
 
 TEST(AudioEngineDeathTest, ConnectsOnlyWhatIsAttached)

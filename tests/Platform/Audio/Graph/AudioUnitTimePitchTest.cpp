@@ -69,7 +69,7 @@ TEST_P(EveryShift, MovesTheFrequencyByItsRatioAndNothingElse)
     const Signal shifted = shift(sine(44100, 440, sampleRate), cents, {sampleRate, 1});
     const auto steady = std::span(shifted).subspan(11025, 22050);
     const double expected = 440 * std::exp2(cents / 1200.0);
-    // A tenth of a cent over half a second: what zero crossings can tell.
+    // What interpolated zero crossings over half a second can tell.
     EXPECT_NEAR(1200 * std::log2(frequencyOf(steady, sampleRate) / expected), 0, 0.5);
 }
 

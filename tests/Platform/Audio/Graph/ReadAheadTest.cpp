@@ -47,7 +47,7 @@ TEST(ReadAhead, RendersNoFurtherThanTwoChunksAhead)
         (void)readAhead.next();
         (void)readAhead.next();
     }
-    EXPECT_LE(source.framesTaken(), 4 * chunkFrames);
+    EXPECT_LE(source.framesTaken(), 3 * chunkFrames);
 }
 
 TEST(ReadAhead, EndsWithoutAnyoneHavingTakenAChunk)

@@ -68,7 +68,8 @@ AudioEngineManualRenderingStatus AudioEngine::renderOffline(std::uint32_t frameC
         return AudioEngineManualRenderingStatus::cannotDoInCurrentContext;
     }
     precondition(frameCount > 0 && frameCount <= manualRendering_->maximumFrameCount
-                 && frameCount <= buffer.frameCapacity());
+                 && frameCount <= buffer.frameCapacity()
+                 && buffer.format() == manualRendering_->format);
     mainMixer_.render(buffer, frameCount);
     sampleTime_ += frameCount;
     return AudioEngineManualRenderingStatus::success;

@@ -12,6 +12,7 @@ void AudioMixerNode::prepare(const RenderSettings& settings)
 {
     AudioNode::prepare(settings);
     limiter_.emplace(settings.format, settings.maximumFrameCount);
+    maximumFrameCount_ = settings.maximumFrameCount;
     framesToRunAhead_ = limiter_->latencyFrames();
 }
 
@@ -25,7 +26,8 @@ void AudioMixerNode::render(AudioPCMBuffer& buffer, std::uint32_t frameCount)
 void AudioMixerNode::runAhead(AudioPCMBuffer& scratch)
 {
     while (framesToRunAhead_ > 0) {
-        const std::uint32_t frames = std::min(framesToRunAhead_, scratch.frameCapacity());
+        const std::uint32_t frames =
+            std::min({framesToRunAhead_, maximumFrameCount_, scratch.frameCapacity()});
         renderInput(scratch, frames);
         limiter_->process(scratch);
         framesToRunAhead_ -= frames;

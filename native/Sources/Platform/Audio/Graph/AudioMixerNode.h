@@ -24,6 +24,7 @@ private:
     void runAhead(AudioPCMBuffer& scratch);
 
     std::optional<LookaheadLimiter> limiter_;
+    std::uint32_t maximumFrameCount_ = 0;
     std::uint32_t framesToRunAhead_ = 0;
 };
 

@@ -4,6 +4,8 @@
 
 #include "Platform/Audio/Graph/ReadAhead.h"
 
+#include <new>
+
 namespace tonvale {
 
 ReadAhead::ReadAhead(AudioNode& source, const AudioFormat& format, std::uint32_t chunkFrames)
@@ -12,6 +14,9 @@ ReadAhead::ReadAhead(AudioNode& source, const AudioFormat& format, std::uint32_t
 {
     for (Chunk& chunk : chunks_) {
         chunk.buffer = AudioPCMBuffer::create(format, chunkFrames);
+        if (chunk.buffer == nullptr) {
+            throw std::bad_alloc();
+        }
     }
     thread_ = std::thread([this] { renderChunks(); });
 }
