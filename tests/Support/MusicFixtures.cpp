@@ -70,6 +70,26 @@ MusicFormat at48000(MusicFormat format)
     return format;
 }
 
+MusicFormat withIndexAtTheEnd(MusicFormat format)
+{
+    format.needsItsEnd = true;
+    return format;
+}
+
+MusicFormat countedInPackets(MusicFormat format, std::int64_t packetFrames)
+{
+    format.damage = MusicFormat::Damage::movesUp;
+    format.packetFrames = packetFrames;
+    return format;
+}
+
+/// What is lost with a damaged packet depends on the container.
+MusicFormat loosePackets(MusicFormat format)
+{
+    format.damage = MusicFormat::Damage::movesAnyhow;
+    return format;
+}
+
 std::vector<MusicFormat> losslessFormats()
 {
     std::vector<MusicFormat> all = {
@@ -83,16 +103,16 @@ std::vector<MusicFormat> losslessFormats()
         withFfmpeg("aiffC", "f32.aifc", {"-f", "aiff", "-c:a", "pcm_f32be"}),
         withFfmpeg("aiffLittleEndian", "sowt.aifc", {"-f", "aiff", "-c:a", "pcm_s16le"}),
         withFfmpeg("cafPcm", "s24.caf", {"-c:a", "pcm_s24be"}),
-        withFfmpeg("cafAlac", "alac.caf", {"-c:a", "alac"}),
+        withIndexAtTheEnd(withFfmpeg("cafAlac", "alac.caf", {"-c:a", "alac"})),
         withFfmpeg("au", "s16.au", {}),
         withPadding(withFfmpeg("w64", "s16.w64", {}), 2),  // ffmpeg counts the filling bytes
         withFfmpeg("flac", "song.flac", {}),
         withFfmpeg("oggFlac", "flac.ogg", {"-c:a", "flac"}),
-        withFfmpeg("m4aAlac", "alac.m4a", {"-c:a", "alac"}),
-        withFfmpeg("movPcm", "pcm.mov", {"-c:a", "pcm_s24le"}),
+        withIndexAtTheEnd(withFfmpeg("m4aAlac", "alac.m4a", {"-c:a", "alac"})),
+        withIndexAtTheEnd(withFfmpeg("movPcm", "pcm.mov", {"-c:a", "pcm_s24le"})),
         withFfmpeg("wavpack", "song.wv", {}),
         withFfmpeg("tta", "song.tta", {}),
-        withFfmpeg("matroskaFlac", "flac.mka", {"-c:a", "flac"}),
+        loosePackets(withFfmpeg("matroskaFlac", "flac.mka", {"-c:a", "flac"})),
     };
     return all;
 }
@@ -106,26 +126,40 @@ std::vector<MusicFormat> lossyFormats()
     return {
         withFfmpeg("wav8", "u8.wav", {"-c:a", "pcm_u8"}, Loss::some),
         withFfmpeg("wavMuLaw", "mulaw.wav", {"-c:a", "pcm_mulaw"}, Loss::some),
-        {.name = "mp3Constant", .fileName = "cbr.mp3", .encoder = constantLame, .loss = Loss::some},
+        countedInPackets({.name = "mp3Constant",
+                          .fileName = "cbr.mp3",
+                          .encoder = constantLame,
+                          .loss = Loss::some},
+                         1152),
         // ffmpeg rounds the padding that it writes
-        withPadding(withFfmpeg("mp3ByFfmpeg", "ffmpeg.mp3", {"-b:a", "128k"}, Loss::some), 576),
-        {.name = "mp3Variable", .fileName = "vbr.mp3", .encoder = lame, .loss = Loss::some},
-        withPadding({.name = "mp3Bare",
-                     .fileName = "bare.mp3",
-                     .encoder = std::move(bareLame),
-                     .loss = Loss::some},
-                    3 * 1152),
-        withPadding(withFfmpeg("mp2", "song.mp2", {}, Loss::some), 2 * 1152),
-        withFfmpeg("m4aAac", "aac.m4a", {"-c:a", "aac"}, Loss::some),
-        withPadding(withFfmpeg("adts", "song.aac", {"-c:a", "aac"}, Loss::some), 3 * 1024),
+        countedInPackets(
+            withPadding(withFfmpeg("mp3ByFfmpeg", "ffmpeg.mp3", {"-b:a", "128k"}, Loss::some), 576),
+            1152),
+        countedInPackets(
+            {.name = "mp3Variable", .fileName = "vbr.mp3", .encoder = lame, .loss = Loss::some},
+            1152),
+        countedInPackets(withPadding({.name = "mp3Bare",
+                                      .fileName = "bare.mp3",
+                                      .encoder = std::move(bareLame),
+                                      .loss = Loss::some},
+                                     3 * 1152),
+                         1152),
+        countedInPackets(withPadding(withFfmpeg("mp2", "song.mp2", {}, Loss::some), 2 * 1152),
+                         1152),
+        withIndexAtTheEnd(withFfmpeg("m4aAac", "aac.m4a", {"-c:a", "aac"}, Loss::some)),
+        countedInPackets(
+            withPadding(withFfmpeg("adts", "song.aac", {"-c:a", "aac"}, Loss::some), 3 * 1024),
+            1024),
         withFfmpeg("vorbis", "vorbis.ogg", {"-c:a", "libvorbis"}, Loss::some),
         at48000(withFfmpeg("opus", "song.opus", {"-c:a", "libopus"}, Loss::some)),
-        at48000(withFfmpeg("webmOpus", "opus.webm", {"-c:a", "libopus"}, Loss::some)),
-        withPadding(withFfmpeg("wma2", "two.wma", {"-c:a", "wmav2"}, Loss::some), 2 * 2048),
-        withPadding(withFfmpeg("wma1", "one.wma", {"-c:a", "wmav1"}, Loss::some), 2 * 2048),
-        withPadding(withFfmpeg("matroskaVorbis", "vorbis.mka", {"-c:a", "libvorbis"}, Loss::some),
-                    2048),
-        withPadding(withFfmpeg("ac3", "song.ac3", {}, Loss::some), 2 * 1536),
+        loosePackets(at48000(withFfmpeg("webmOpus", "opus.webm", {"-c:a", "libopus"}, Loss::some))),
+        loosePackets(
+            withPadding(withFfmpeg("wma2", "two.wma", {"-c:a", "wmav2"}, Loss::some), 2 * 2048)),
+        loosePackets(
+            withPadding(withFfmpeg("wma1", "one.wma", {"-c:a", "wmav1"}, Loss::some), 2 * 2048)),
+        loosePackets(withPadding(
+            withFfmpeg("matroskaVorbis", "vorbis.mka", {"-c:a", "libvorbis"}, Loss::some), 2048)),
+        loosePackets(withPadding(withFfmpeg("ac3", "song.ac3", {}, Loss::some), 2 * 1536)),
     };
 }
 

@@ -54,6 +54,17 @@ struct MusicFormat {
     Length length = Length::exact;
     std::int64_t slack = 0;  ///< frames
     int sampleRate = 44100;  ///< of what is decoded
+
+    /// What becomes of the music behind damaged packets.
+    enum class Damage {
+        keepsPlace,  ///< stays where it was: packets tell their place
+        movesUp,     ///< comes earlier by whole packets of `packetFrames`: they are only counted
+        movesAnyhow,
+    };
+    Damage damage = Damage::keepsPlace;
+    std::int64_t packetFrames = 0;  ///< with movesUp
+
+    bool needsItsEnd = false;  ///< the index is the last thing in the file
 };
 
 /// Every format that the reader is tested with.

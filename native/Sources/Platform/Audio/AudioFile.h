@@ -26,6 +26,11 @@ struct AudioFileSettings {
     bool linearPCMIsFloat = false;
     bool linearPCMIsBigEndian = false;
     bool linearPCMIsNonInterleaved = false;
+
+    /// Not part of the sample format: where the loudspeakers stand, as in AudioFormat. Used when
+    /// it has as many bits as there are channels; otherwise more than two of them get the
+    /// usual positions of their number.
+    std::uint32_t channelMask = 0;
 };
 
 class AudioFileReader;
@@ -40,7 +45,8 @@ public:
     /// Opens a song: whatever container and codec the system's decoders know, decoded to
     /// the format of AudioFormat.h at the song's own rate and channel count.
     /// Opening decodes no more than the first frames.
-    /// @error PlatformError in the system's or the decoder's words
+    /// @error PlatformError in the system's or the decoder's words; a song of more frames than
+    ///        32 bits count is a file too large
     [[nodiscard]] static AudioFile forReading(const std::filesystem::path& url);
 
     /// Creates or empties a file; the container follows the extension: wav, aif, aiff, caf.
@@ -64,7 +70,7 @@ public:
     /// Consecutive reads are cheapest; any other start seeks.
     /// @param startFrame  0 ... length()
     /// @param buffer      in processingFormat(), with room for frameCount
-    /// @error PlatformError when the disk fails
+    /// @error PlatformError when the disk fails, or the file has become shorter
     void read(std::int64_t startFrame, AudioPCMBuffer& buffer, std::uint32_t frameCount);
 
     /// Appends the buffer's valid frames, converted with saturation.

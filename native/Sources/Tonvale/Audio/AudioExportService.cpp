@@ -49,6 +49,7 @@ AudioFileSettings settingsFor(const AudioFormat& format)
     settings.linearPCMIsFloat = false;
     settings.linearPCMIsBigEndian = false;
     settings.linearPCMIsNonInterleaved = false;
+    settings.channelMask = format.channelMask;
     return settings;
 }
 

@@ -12,9 +12,13 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <cstddef>
+#include <iterator>
+#include <limits>
 #include <random>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace tonvale {
 
@@ -71,6 +75,15 @@ TEST_F(BadInput, DeviceIsRefused)
     EXPECT_EQ(errorOf("/dev/zero"), "Not a regular file");
 }
 
+TEST_F(BadInput, AbsurdSampleRateIsInvalid)
+{
+    const auto path = folder_.path() / "fast.wav";
+    writeWave(path, makeRecording(1000, 768000));
+    EXPECT_EQ(errorOf(path), "");
+    writeWave(path, makeRecording(1000, 1000000000));
+    EXPECT_EQ(errorOf(path), invalidData);
+}
+
 TEST_F(BadInput, EmptyFileIsInvalid)
 {
     EXPECT_EQ(errorOf(write("empty.wav", "")), invalidData);
@@ -105,7 +118,7 @@ TEST_F(BadInput, PlayListsAreNotFollowed)
 
 TEST_F(BadInput, RandomBytesAreInvalid)
 {
-    const std::uint32_t seed = std::random_device()();
+    constexpr std::uint32_t seed = 20261121;
     SCOPED_TRACE("seed " + std::to_string(seed));
     std::mt19937 random(seed);
     std::string bytes(300000, '\0');
@@ -182,6 +195,110 @@ TEST_F(BadInput, DeletedFileStaysReadable)
     const Samples before = readAll(reader);
     fs::remove(path);
     EXPECT_EQ(readAll(reader), before);
+}
+
+using Bytes = std::vector<std::uint8_t>;
+
+/// Where the first box or chunk of that name has its content.
+std::size_t contentOf(const Bytes& bytes, std::string_view name)
+{
+    const auto found = std::ranges::search(bytes, name);
+    EXPECT_FALSE(found.empty()) << name;
+    return static_cast<std::size_t>(found.end() - bytes.begin());
+}
+
+void putBigEndian(Bytes& bytes, std::size_t offset, std::uint64_t value, std::size_t count)
+{
+    for (std::size_t index = 0; index < count; ++index) {
+        bytes.at(offset + index) = static_cast<std::uint8_t>(value >> (8 * (count - 1 - index)));
+    }
+}
+
+class FalseLength : public BadInput {
+protected:
+    static Bytes song(const std::string& format)
+    {
+        return readBytes(MusicFixtures::shared().file(musicFormat(format)));
+    }
+
+    std::int64_t lengthOf(const Bytes& bytes, const std::string& name)
+    {
+        const fs::path path = folder_.path() / name;
+        writeBytes(path, bytes);
+        return AudioFileReader(path).length();
+    }
+
+    static std::int64_t songLength() { return MusicFixtures::shared().song().length(); }
+};
+
+TEST_F(FalseLength, OfACafPacketTableIsNotBelieved)
+{
+    constexpr std::uint64_t largest = std::numeric_limits<std::int64_t>::max();
+    for (const std::uint64_t validFrames : {largest, largest / 2, std::uint64_t{1} << 63U}) {
+        for (const std::uint64_t primingFrames : {0U, 1000U}) {
+            Bytes bytes = song("cafAlac");
+            const std::size_t table = contentOf(bytes, "pakt") + 8;  // behind the chunk's size
+            putBigEndian(bytes, table + 8, validFrames, 8);
+            putBigEndian(bytes, table + 16, primingFrames, 4);
+            EXPECT_EQ(lengthOf(bytes, "song.caf"), songLength()) << validFrames;
+        }
+    }
+}
+
+/// An edit list of one entry with 64-bit times in place of the one with 32 bits.
+Bytes withLongEdit(Bytes bytes, std::uint64_t duration, std::uint64_t mediaStart)
+{
+    constexpr std::size_t growth = 8;
+    for (const std::string_view name : {"moov", "trak", "edts", "elst"}) {
+        const std::size_t content = contentOf(bytes, name);
+        const std::size_t size = content - 8;
+        std::uint64_t old = 0;
+        for (std::size_t index = size; index < size + 4; ++index) {
+            old = old << 8U | bytes[index];
+        }
+        putBigEndian(bytes, size, old + growth, 4);
+    }
+    const std::size_t list = contentOf(bytes, "elst");
+    bytes[list] = 1;  // the version
+    bytes.insert(bytes.begin() + static_cast<std::ptrdiff_t>(list) + 8, growth, 0);
+    putBigEndian(bytes, list + 8, duration, 8);
+    putBigEndian(bytes, list + 16, mediaStart, 8);
+    return bytes;
+}
+
+TEST_F(FalseLength, OfAnEditListIsNotBelieved)
+{
+    constexpr std::uint64_t largest = std::numeric_limits<std::int64_t>::max();
+    const std::int64_t honest = lengthOf(withLongEdit(song("m4aAac"), 23000, 1024), "song.m4a");
+    EXPECT_EQ(honest, 23 * 44100);
+    for (const std::uint64_t start : {std::uint64_t{1024}, largest / 2, largest}) {
+        const Bytes bytes = withLongEdit(song("m4aAac"), std::uint64_t{1} << 50U, start);
+        const std::int64_t length = lengthOf(bytes, "song.m4a");
+        EXPECT_GE(length, songLength()) << start;
+        EXPECT_LT(length, songLength() + std::int64_t{3} * 1024) << start;
+    }
+}
+
+TEST_F(FalseLength, TenTimesTheMusicIsNoticed)
+{
+    Bytes flac = song("flac");
+    const std::size_t streamInfo = contentOf(flac, "fLaC") + 4;
+    putBigEndian(flac, streamInfo + 14, static_cast<std::uint64_t>(10 * songLength()), 4);
+    EXPECT_EQ(lengthOf(flac, "song.flac"), songLength());
+
+    Bytes wavPack = song("wavpack");
+    const auto frames = static_cast<std::uint32_t>(10 * songLength());
+    for (std::size_t index = 0; index < 4; ++index) {
+        wavPack[12 + index] = static_cast<std::uint8_t>(frames >> (8 * index));
+    }
+    const std::int64_t length = lengthOf(wavPack, "song.wv");
+    EXPECT_GE(length, songLength());
+    EXPECT_LT(length, songLength() + 22050);  // the last block counts as a full one
+
+    Bytes alac = song("cafAlac");
+    const std::size_t table = contentOf(alac, "pakt") + 8;  // behind the chunk's size
+    putBigEndian(alac, table + 8, static_cast<std::uint64_t>(10 * songLength()), 8);
+    EXPECT_EQ(lengthOf(alac, "song.caf"), songLength());
 }
 
 }  // namespace

@@ -63,15 +63,22 @@ std::size_t infoOffset(const Bytes& bytes)
     return 0;
 }
 
-/// Adds to one of the tag's big-endian numbers; 8: packets, 12: bytes.
-void lie(Bytes& bytes, std::size_t field, int difference)
+/// The tag's big-endian numbers, by their offset in it.
+constexpr std::size_t packetCountField = 8;
+constexpr std::size_t byteCountField = 12;
+
+std::uint32_t told(const Bytes& bytes, std::size_t field)
 {
-    const std::size_t offset = infoOffset(bytes) + field;
     std::uint32_t value = 0;
     for (std::size_t index = 0; index < 4; ++index) {
-        value = value << 8U | bytes[offset + index];
+        value = value << 8U | bytes[infoOffset(bytes) + field + index];
     }
-    value += static_cast<std::uint32_t>(difference);
+    return value;
+}
+
+void lie(Bytes& bytes, std::size_t field, std::uint32_t value)
+{
+    const std::size_t offset = infoOffset(bytes) + field;
     for (std::size_t index = 0; index < 4; ++index) {
         bytes[offset + index] = static_cast<std::uint8_t>(value >> (24 - 8 * index));
     }
@@ -94,14 +101,45 @@ TEST_F(Mp3, TwoJoinedFilesAreBothHeard)
 
 TEST_F(Mp3, ByteCountThatDoesNotFitIsNotTrusted)
 {
-    for (const int difference : {-30000, 30000}) {
+    for (const bool isTooLarge : {false, true}) {
         Bytes bytes = song("mp3Variable");
-        lie(bytes, 12, difference);
-        lie(bytes, 8, 100);
+        const std::uint32_t byteCount = told(bytes, byteCountField);
+        lie(bytes, byteCountField, isTooLarge ? byteCount + 30000 : byteCount - 30000);
+        lie(bytes, packetCountField, told(bytes, packetCountField) + 100);
         AudioFileReader reader(write(bytes));
         // Counted, without the end padding that only a true tag can tell.
         EXPECT_GE(reader.length(), songLength());
         EXPECT_LT(reader.length(), songLength() + 2 * packetFrames);
+    }
+}
+
+TEST_F(Mp3, PacketCountThatDoesNotFitIsNotTrusted)
+{
+    for (const std::string format : {"mp3Constant", "mp3Variable"}) {
+        const Bytes honest = song(format);
+        const std::uint32_t packets = told(honest, packetCountField);
+        for (const std::uint32_t count :
+             {0U, 1U, 100U, packets / 2, packets * 4 / 3, 2 * packets, 100000U, 0xFFFFFFFFU}) {
+            Bytes bytes = honest;
+            lie(bytes, packetCountField, count);
+            AudioFileReader reader(write(bytes));
+            EXPECT_GE(reader.length(), songLength()) << format << ", " << count << " packets";
+            EXPECT_LT(reader.length(), songLength() + 2 * packetFrames)
+                << format << ", " << count << " packets";
+        }
+    }
+}
+
+TEST_F(Mp3, PacketCountOfAConstantBitRateIsCheckedClosely)
+{
+    const Bytes honest = song("mp3Constant");
+    for (const int difference : {-20, 20}) {
+        Bytes bytes = honest;
+        lie(bytes, packetCountField,
+            told(honest, packetCountField) + static_cast<std::uint32_t>(difference));
+        AudioFileReader reader(write(bytes));
+        EXPECT_GE(reader.length(), songLength()) << difference;
+        EXPECT_LT(reader.length(), songLength() + 2 * packetFrames) << difference;
     }
 }
 

@@ -4,11 +4,14 @@
 
 #include "Platform/Audio/Decoding/AudioFileReader.h"
 #include "Platform/Audio/Decoding/ReadAll.h"
+#include "Platform/Foundation/PlatformError.h"
 #include "Support/MusicFixtures.h"
 #include "Support/Songs.h"
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <filesystem>
 #include <vector>
 
 namespace tonvale {
@@ -40,6 +43,31 @@ TEST_F(Pcm, OpenDataSizeOfStreamWritersMeansToTheEnd)
         writeBytes(path, bytes);
         AudioFileReader reader(path);
         EXPECT_EQ(reader.length(), 5000) << size;
+    }
+}
+
+/// A sparse file of 8-bit mono, whose header leaves the size open.
+void writeLongSong(const std::filesystem::path& path, std::uint64_t frames)
+{
+    const std::vector<std::uint8_t> header = {'.',  's',  'n',  'd',  0, 0, 0, 24,
+                                              0xFF, 0xFF, 0xFF, 0xFF, 0, 0, 0, 2,
+                                              0,    0,    0x1F, 0x40, 0, 0, 0, 1};
+    writeBytes(path, header);
+    std::filesystem::resize_file(path, header.size() + frames);
+}
+
+TEST_F(Pcm, SongOfMoreFramesThanBuffersCountIsTooLarge)
+{
+    constexpr std::uint64_t most = 0xFFFFFFFF;
+    const auto path = folder_.path() / "song.au";
+    writeLongSong(path, most);
+    EXPECT_EQ(AudioFileReader(path).length(), static_cast<std::int64_t>(most));
+    writeLongSong(path, most + 1);
+    try {
+        const AudioFileReader reader(path);
+        ADD_FAILURE() << "opened with " << reader.length() << " frames";
+    } catch (const PlatformError& error) {
+        EXPECT_EQ(error.errorDescription(), "File too large");
     }
 }
 

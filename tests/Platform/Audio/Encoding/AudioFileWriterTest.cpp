@@ -6,6 +6,7 @@
 
 #include "Platform/Audio/AudioFile.h"
 #include "Platform/Foundation/PlatformError.h"
+#include "Support/Program.h"
 #include "Support/Songs.h"
 #include "Support/TemporaryFolder.h"
 
@@ -18,6 +19,8 @@
 #include <functional>
 #include <random>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace tonvale {
 namespace {
@@ -113,6 +116,75 @@ TEST_F(AudioFileWriting, TellsWhyAFileCannotBeCreated)
     EXPECT_EQ(create(folder.path() / "b.wav"), "Is a directory");
 }
 
+/// Writes a short file, and tells what other programs take its loudspeakers for.
+std::string layoutOf(const std::filesystem::path& url, const AudioFileSettings& settings)
+{
+    AudioFile file = AudioFile::forWriting(url, settings);
+    const auto buffer = AudioPCMBuffer::create(file.processingFormat(), 100);
+    buffer->setFrameLength(100);
+    file.write(*buffer);
+    file.close();
+    EXPECT_EQ(AudioFile::forReading(url).length(), 100) << url;
+    const auto result =
+        test::runProgram({"ffprobe", "-v", "error", "-show_entries", "stream=channel_layout", "-of",
+                          "default=nokey=1:noprint_wrappers=1", url.string()});
+    return result.standardOutput.substr(0, result.standardOutput.find('\n'));
+}
+
+TEST_F(AudioFileWriting, GivesChannelsOfUnknownLoudspeakersTheUsualOnes)
+{
+    const std::vector<std::string> usual = {"2.1", "4.0", "5.0", "5.1", "6.1", "7.1"};
+    for (std::uint32_t channelCount = 3; channelCount <= 8; ++channelCount) {
+        EXPECT_EQ(layoutOf(folder.path() / "a.wav", settingsFor(44100, channelCount)),
+                  usual[channelCount - 3]);
+    }
+}
+
+TEST_F(AudioFileWriting, SaysWhereTheLoudspeakersStand)
+{
+    struct Case {
+        std::uint32_t channelMask;
+        std::uint32_t channelCount;
+        std::string layout;
+    };
+    const std::vector<Case> cases = {
+        {0x007, 3, "3.0"},       {0x033, 4, "quad"},      {0x107, 4, "4.0"},
+        {0x607, 5, "5.0(side)"}, {0x60F, 6, "5.1(side)"}, {0x0FF, 8, "7.1(wide)"},
+        {0x63F, 8, "7.1"},       {0x00F, 5, "5.0"},  // a bit is missing
+    };
+    for (const Case& tested : cases) {
+        AudioFileSettings settings = settingsFor(44100, tested.channelCount);
+        settings.channelMask = tested.channelMask;
+        EXPECT_EQ(layoutOf(folder.path() / "a.wav", settings), tested.layout);
+    }
+}
+
+TEST_F(AudioFileWriting, PassesLoudspeakersOnInEveryContainer)
+{
+    AudioFileSettings settings = settingsFor(44100, 4);
+    settings.channelMask = 0x107;  // left, right, centre, rear centre
+    for (const std::string extension : {"wav", "aiff", "caf"}) {
+        const auto url = folder.path() / ("a." + extension);
+        EXPECT_EQ(layoutOf(url, settings), "4.0") << extension;
+        const AudioFormat format = AudioFile::forReading(url).processingFormat();
+        EXPECT_EQ(format.channelMask, settings.channelMask) << extension;
+        EXPECT_EQ(format, (AudioFormat{44100, 4})) << "they do not make another format";
+    }
+}
+
+TEST_F(AudioFileWriting, ReadsLoudspeakersFromItsSource)
+{
+    const auto url = folder.path() / "a.flac";
+    for (const auto& [layout, mask] :
+         {std::pair<std::string, std::uint32_t>{"3.0", 0x007}, {"4.0", 0x107}, {"7.1", 0x63F}}) {
+        const auto result =
+            test::runProgram({"ffmpeg", "-v", "error", "-y", "-f", "lavfi", "-i",
+                              "anullsrc=channel_layout=" + layout, "-t", "0.1", url.string()});
+        ASSERT_EQ(result.exitStatus, 0) << result.standardError;
+        EXPECT_EQ(AudioFile::forReading(url).processingFormat().channelMask, mask) << layout;
+    }
+}
+
 /// Lets files grow to `bytes` while it lives.
 class FileSizeLimit {
 public:
@@ -161,6 +233,14 @@ TEST_F(AudioFileWriting, ReportsAHeaderThatCannotBeCompleted)
     file.write(*buffer);
     const FileSizeLimit limit(0);
     EXPECT_EQ(failureOf([&] { file.close(); }), "File too large");
+}
+
+TEST_F(AudioFileWriting, ReportsAFileThatWasDeletedMeanwhile)
+{
+    const auto url = folder.path() / "a.wav";
+    AudioFile file = AudioFile::forWriting(url, settingsFor(44100, 2));
+    std::filesystem::remove(url);
+    EXPECT_EQ(failureOf([&] { file.close(); }), "No such file or directory");
 }
 
 TEST_F(AudioFileWriting, RefusesTheBlockThatWouldPassTheLargestSizeAndKeepsTheRestWhole)

@@ -36,8 +36,11 @@ std::optional<CafPacketInfo> readTable(LocalInput& input, std::int64_t offset)
     const std::span<const std::uint8_t> bytes(table);
     const CafPacketInfo info = {.validFrames = bigEndian(bytes.subspan(8, 8)),
                                 .primingFrames = bigEndian(bytes.subspan(16, 4))};
+    // Their sum must not overflow; no song is near either of them.
     constexpr std::int64_t mostPriming = 1 << 20;
-    if (info.validFrames <= 0 || info.primingFrames > mostPriming) {
+    constexpr std::int64_t mostFrames = std::int64_t{1} << 40;
+    if (info.validFrames <= 0 || info.validFrames > mostFrames
+        || info.primingFrames > mostPriming) {
         return std::nullopt;
     }
     return info;

@@ -16,7 +16,7 @@ struct CafPacketInfo {
     std::int64_t validFrames = 0;
     std::int64_t primingFrames = 0;  ///< before the music
 
-    /// @return nothing when the file has no packet table
+    /// @return nothing when the file has no packet table, or one that cannot be true
     /// @error PlatformError when the disk fails
     [[nodiscard]] static std::optional<CafPacketInfo> parse(LocalInput& input);
 };

@@ -22,9 +22,19 @@ namespace {
 /// Below this many bytes a second no real song lies: even silence in FLAC takes 150.
 constexpr std::int64_t fewestBytesPerSecond = 100;
 
+/// Far beyond every song, and a few of them can be added without overflow.
+constexpr std::int64_t farAway = std::int64_t{1} << 60;
+
+std::int64_t bounded(std::int64_t count)
+{
+    return std::clamp(count, -farAway, farAway);
+}
+
+/// A damaged header may give any number of ticks; those whose frames cannot be counted end up
+/// at -farAway, as the library's answer to an overflow is the smallest number.
 std::int64_t toFrames(std::int64_t ticks, AVRational tickDuration, const DecodedFormat& format)
 {
-    return av_rescale_q(ticks, tickDuration, AVRational{1, format.sampleRate});
+    return bounded(av_rescale_q(ticks, tickDuration, AVRational{1, format.sampleRate}));
 }
 
 std::optional<std::int64_t> known(std::int64_t count)
@@ -107,7 +117,8 @@ HeaderExtent mp4Extent(const ContainerFacts& facts, const DecodedFormat& format)
     if (timing->edit->duration > 0) {
         const std::int64_t movieTicks = timing->movieTicksPerSecond;
         const std::int64_t editEnd =
-            extent.start + av_rescale(timing->edit->duration, format.sampleRate, movieTicks);
+            extent.start
+            + bounded(av_rescale(timing->edit->duration, format.sampleRate, movieTicks));
         const std::int64_t oneTick = (format.sampleRate - 1) / movieTicks + 1;
         if (!extent.end || *extent.end - editEnd >= std::max<std::int64_t>(oneTick, 2)) {
             extent.end = editEnd;
@@ -125,7 +136,8 @@ HeaderExtent oggExtent(const ContainerFacts& facts, const DecodedFormat& format)
     if (const auto duration = known(facts.duration)) {
         const std::int64_t skip =
             parameters.codec_id == AV_CODEC_ID_OPUS ? parameters.initial_padding : 0;
-        extent.end = toFrames(start + *duration - skip, facts.tickDuration, format);
+        const std::int64_t end = bounded(start) + bounded(*duration) - skip;
+        extent.end = toFrames(end, facts.tickDuration, format);
     }
     return extent;
 }
@@ -202,7 +214,7 @@ HeaderExtent anyExtent(const ContainerFacts& facts, const DecodedFormat& format)
 
 bool isCredible(std::int64_t frames, std::int64_t fileSize, const DecodedFormat& format)
 {
-    return frames / format.sampleRate <= fileSize / fewestBytesPerSecond + 1;
+    return frames >= 0 && frames / format.sampleRate <= fileSize / fewestBytesPerSecond + 1;
 }
 
 /// Frames to drop at the end, where a container marks its last packet so.
@@ -225,7 +237,7 @@ HeaderExtent headerExtent(const ContainerFacts& facts, const DecodedFormat& form
     if (extent.end && !isCredible(*extent.end, facts.input.size(), format)) {
         extent.end.reset();
     }
-    if (extent.start < 0 || !isCredible(extent.start, facts.input.size(), format)) {
+    if (!isCredible(extent.start, facts.input.size(), format)) {
         extent.start = 0;
     }
     return extent;
@@ -241,11 +253,11 @@ std::int64_t scanForEnd(PacketSource& source, std::int64_t fileSize, const Decod
     while (source.next(*packet)) {
         const std::int64_t frames = durations.framesOf(*packet).value_or(
             toFrames(packet->duration, source.tickDuration(), format));
-        counted += frames;
+        counted = bounded(counted + frames);
         if (packet->pts != noTimeStamp) {
-            const std::int64_t start = toFrames(packet->pts, source.tickDuration(), format);
-            if (isCredible(start, fileSize, format)) {
-                stamped = std::max(stamped, start + frames);
+            const std::int64_t end = toFrames(packet->pts, source.tickDuration(), format) + frames;
+            if (isCredible(end, fileSize, format)) {
+                stamped = std::max(stamped, end);
             }
         }
         discard = endDiscard(*packet);

@@ -125,17 +125,52 @@ MusicExtent ContainerSource::extent(const DecodedFormat& format)
                                   .frameSize = frameSize_,
                                   .duration = dataDuration_};
     const HeaderExtent header = headerExtent(facts, format);
-    std::int64_t end = header.end.value_or(0);
-    if (!header.end) {
+    std::int64_t end = 0;
+    if (header.end) {
+        end = checkedEnd(*header.end, format);
+    } else {
         rewind();
         end = scanForEnd(*this, input_.size(), format);
-    } else if (parameters().codec_id == AV_CODEC_ID_ALAC && hasExactStamps()) {
-        // Packet tables may count the last packet as full; the packet itself knows better.
-        seek(av_rescale_q(end - 1, AVRational{1, format.sampleRate}, tickDuration()));
-        const std::int64_t lastEnd = scanForEnd(*this, input_.size(), format);
-        end = lastEnd > 0 ? std::min(end, lastEnd) : end;
     }
     return {.start = header.start, .length = std::max<std::int64_t>(end - header.start, 0)};
+}
+
+/// What the header tells, held against the last packet where that is worth a seek. Tables of ALAC
+/// may count the last packet as full; the packet itself knows better. Elsewhere only whole seconds
+/// of nothing count as damage: a last packet that cannot be found is no reason to cut music.
+std::int64_t ContainerSource::checkedEnd(std::int64_t end, const DecodedFormat& format)
+{
+    const bool isAlac = parameters().codec_id == AV_CODEC_ID_ALAC;
+    if (end <= 0 || stamping_ != Stamping::byContainer || (!isAlac && !looksTooLong(end, format))) {
+        return end;
+    }
+    seek(av_rescale_q(end - 1, AVRational{1, format.sampleRate}, tickDuration()));
+    const std::int64_t lastEnd = scanForEnd(*this, input_.size(), format);
+    const std::int64_t slack = isAlac ? 0 : format.sampleRate;
+    return lastEnd > 0 && end - lastEnd > slack ? lastEnd : end;
+}
+
+/// Whether the header's length leaves far fewer bytes to a second than the one that comes next,
+/// near the start. Only where nothing but the header tells the length; other containers have it
+/// from their tables and pages.
+bool ContainerSource::looksTooLong(std::int64_t end, const DecodedFormat& format)
+{
+    constexpr std::array headersAlone = {"flac", "caf", "wv", "tta"};
+    if (std::ranges::none_of(headersAlone,
+                             [this](const char* name) { return isNamed(format_, name); })) {
+        return false;
+    }
+    const UniquePacket packet = makePacket();
+    const double ticksPerSecond = 1.0 / av_q2d(tickDuration());
+    double ticks = 0;
+    double bytes = 0;
+    while (ticks < ticksPerSecond && next(*packet)) {
+        ticks += static_cast<double>(durationOf(*packet));
+        bytes += packet->size;
+    }
+    const double seconds = static_cast<double>(end) / format.sampleRate;
+    const double told = static_cast<double>(input_.size() - dataOffset_) / seconds;
+    return ticks > 0 && 2 * told < bytes / ticks * ticksPerSecond;
 }
 
 /// A new context for every start from the beginning: demuxers keep much of what they have read,

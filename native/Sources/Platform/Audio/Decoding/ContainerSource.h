@@ -37,6 +37,8 @@ private:
     void open();
     void chooseStream();
     [[nodiscard]] Stamping stampingOf(const AVStream& stream) const;
+    [[nodiscard]] std::int64_t checkedEnd(std::int64_t end, const DecodedFormat& format);
+    [[nodiscard]] bool looksTooLong(std::int64_t end, const DecodedFormat& format);
     [[nodiscard]] bool hasFrameTimeBase(const AVStream& stream) const;
     [[nodiscard]] bool readPacket(AVPacket& packet);
     void stamp(AVPacket& packet);

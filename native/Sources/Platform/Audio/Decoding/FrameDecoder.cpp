@@ -26,6 +26,16 @@ const AVCodec* findDecoder(AVCodecID codec)
     return decoder != nullptr ? decoder : avcodec_find_decoder(codec);
 }
 
+/// The library's own order is that of WAVE files, and so are its first 18 loudspeakers.
+std::uint32_t channelMaskOf(const AVChannelLayout& layout)
+{
+    constexpr std::uint64_t loudspeakersOfWave = (1U << 18U) - 1;
+    const bool isNative = layout.order == AV_CHANNEL_ORDER_NATIVE;
+    return isNative && layout.u.mask <= loudspeakersOfWave
+               ? static_cast<std::uint32_t>(layout.u.mask)
+               : 0;
+}
+
 }  // namespace
 
 FrameDecoder::FrameDecoder(const AVCodecParameters& parameters, AVRational tickDuration)
@@ -130,7 +140,8 @@ void FrameDecoder::adoptFormat()
 {
     format_ = {.sampleRate = frame_->sample_rate,
                .channelCount = frame_->ch_layout.nb_channels,
-               .framesPerPacket = frame_->nb_samples};
+               .framesPerPacket = frame_->nb_samples,
+               .channelMask = channelMaskOf(frame_->ch_layout)};
     layout_ = ChannelLayout(frame_->ch_layout);
 }
 
@@ -138,7 +149,8 @@ bool FrameDecoder::adoptDeclaredFormat() noexcept
 {
     format_ = {.sampleRate = parameters_->sample_rate,
                .channelCount = parameters_->ch_layout.nb_channels,
-               .framesPerPacket = 0};
+               .framesPerPacket = 0,
+               .channelMask = channelMaskOf(parameters_->ch_layout)};
     return format_.sampleRate > 0 && format_.channelCount > 0;
 }
 

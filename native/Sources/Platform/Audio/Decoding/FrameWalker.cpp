@@ -65,6 +65,25 @@ bool FrameWalker::hasFrameAfter(std::int64_t offset)
     return probe.next().has_value();
 }
 
+FrameWalker::Sample FrameWalker::sampleAfter(std::int64_t offset, int count)
+{
+    FrameWalker probe(input_, parser_);
+    probe.offset_ = offset;
+    Sample sample;
+    while (sample.count < count) {
+        const auto found = probe.next();
+        if (!found) {
+            break;
+        }
+        const std::int64_t size = found->header.size;
+        sample.smallest = sample.count == 0 ? size : std::min(sample.smallest, size);
+        sample.largest = std::max(sample.largest, size);
+        sample.bytes += size;
+        ++sample.count;
+    }
+    return sample;
+}
+
 std::optional<CodedFrameHeader> FrameWalker::headerAt(std::int64_t offset)
 {
     const auto bytes = window(offset, codedFrameHeaderSize);

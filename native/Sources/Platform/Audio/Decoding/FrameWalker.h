@@ -38,6 +38,18 @@ public:
     /// @error PlatformError when the disk fails
     [[nodiscard]] std::span<const std::uint8_t> bytesOf(const Found& frame);
 
+    /// How densely frames lie somewhere in the file.
+    struct Sample {
+        int count = 0;  ///< frames; fewer than asked for near the end
+        std::int64_t bytes = 0;
+        std::int64_t smallest = 0;  ///< bytes, of one frame
+        std::int64_t largest = 0;
+    };
+
+    /// Looks at the `count` frames that follow the given place, without moving from its own.
+    /// @error PlatformError when the disk fails
+    [[nodiscard]] Sample sampleAfter(std::int64_t offset, int count);
+
     /// Whether any frame follows the given place, rather than tags or the end.
     [[nodiscard]] bool hasFrameAfter(std::int64_t offset);
 

@@ -7,9 +7,48 @@
 #include "Platform/Audio/Decoding/LocalInput.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
+#include <limits>
 
 namespace tonvale {
+
+namespace {
+
+/// Where frames are looked at to check a tag's count, and how many of them at each place.
+constexpr int samplePlaces = 12;
+constexpr int framesPerPlace = 8;
+
+/// What the frames looked at suggest for the whole file.
+struct CountEstimate {
+    double frames = 0;
+    bool isConstant = true;  ///< all of one bit rate: sizes differ by a byte of padding at most
+};
+
+/// Evenly spread samples: the mean of their densities is the density of the file.
+CountEstimate estimateCount(FrameWalker& walker, std::int64_t start, std::int64_t byteCount)
+{
+    CountEstimate estimate;
+    std::int64_t smallest = std::numeric_limits<std::int64_t>::max();
+    std::int64_t largest = 0;
+    int places = 0;
+    for (int place = 0; place < samplePlaces; ++place) {
+        const auto sample =
+            walker.sampleAfter(start + byteCount / samplePlaces * place, framesPerPlace);
+        if (sample.count == 0) {
+            continue;
+        }
+        ++places;
+        estimate.frames += static_cast<double>(sample.count) / static_cast<double>(sample.bytes);
+        smallest = std::min(smallest, sample.smallest);
+        largest = std::max(largest, sample.largest);
+    }
+    estimate.frames *= static_cast<double>(byteCount) / std::max(places, 1);
+    estimate.isConstant = largest - smallest <= 1;
+    return estimate;
+}
+
+}  // namespace
 
 FramedSource::FramedSource(LocalInput& input, CodedFrameParser parser)
     : input_(input)
@@ -90,7 +129,7 @@ MusicExtent FramedSource::extent(const DecodedFormat& format)
 {
     std::int64_t start = 0;
     std::int64_t end = 0;
-    if (firstTag_ && firstTag_->packetCount && fitsFile(*firstTag_)) {
+    if (firstTag_ && isTrustworthy(*firstTag_)) {
         end = *firstTag_->packetCount * first_.header.frames - firstTag_->endPadding;
     } else {
         end = countedEnd();
@@ -131,6 +170,27 @@ void FramedSource::noteTag(const Mp3InfoTag& tag)
 {
     lastTag_ = tag;
     lastTagTick_ = tick_;
+}
+
+/// A count that is wrongly refused costs a scan and no more: it finds the same end.
+bool FramedSource::isTrustworthy(const Mp3InfoTag& tag)
+{
+    return tag.packetCount && *tag.packetCount > 0 && fitsFile(tag) && fitsFrames(tag);
+}
+
+/// Whether the packets counted are of the sizes that the file's frames have. The tag's own frame
+/// is in the bytes, not in the count; where the sizes vary, so does the estimate.
+bool FramedSource::fitsFrames(const Mp3InfoTag& tag)
+{
+    const std::int64_t start = first_.offset + first_.header.size;
+    const std::int64_t byteCount = *tag.byteCount - first_.header.size;
+    if (byteCount <= 0) {
+        return false;
+    }
+    const CountEstimate estimate = estimateCount(walker_, start, byteCount);
+    const double tolerance =
+        estimate.isConstant ? 2 + estimate.frames / 1000 : 2 + estimate.frames / 8;
+    return std::fabs(static_cast<double>(*tag.packetCount) - estimate.frames) <= tolerance;
 }
 
 /// The counts of a tag hold for the whole file only if its last byte is the file's last, tags

@@ -37,7 +37,9 @@ private:
     [[nodiscard]] std::optional<FrameWalker::Found> nextMusicFrame();
     [[nodiscard]] std::optional<Mp3InfoTag> tagOf(const FrameWalker::Found& found);
     void noteTag(const Mp3InfoTag& tag);
+    [[nodiscard]] bool isTrustworthy(const Mp3InfoTag& tag);
     [[nodiscard]] bool fitsFile(const Mp3InfoTag& tag);
+    [[nodiscard]] bool fitsFrames(const Mp3InfoTag& tag);
     [[nodiscard]] std::int64_t countedEnd();
 
     LocalInput& input_;

@@ -133,6 +133,11 @@ std::int64_t LocalInput::readSome(std::int64_t offset, std::uint8_t* data,
 {
     while (true) {
         const ssize_t result = read_(descriptor_.get(), data, count, offset);
+        if (result == 0 && count > 0 && offset < size_) {
+            // The file has shrunk; taken for its end, the rest of the song would be silence.
+            failure_ = EIO;
+            return -failure_;
+        }
         if (result >= 0) {
             return result;
         }

@@ -38,7 +38,7 @@ public:
     [[nodiscard]] const std::string& name() const noexcept { return name_; }
 
     /// Reads the bytes from `offset` on; fewer than asked for only at the end of the file.
-    /// @error PlatformError when the disk fails
+    /// @error PlatformError when the disk fails, or the file ends before size()
     std::size_t readAt(std::int64_t offset, std::span<std::uint8_t> bytes);
 
     /// A new context at the start of the file; it refers to this object.
@@ -53,7 +53,8 @@ private:
     static int readPacket(void* opaque, std::uint8_t* data, int count);
     static std::int64_t seekPacket(void* opaque, std::int64_t offset, int whence);
 
-    /// @return bytes read, 0 at the end, or a negative errno, which is also kept
+    /// @return bytes read, 0 at the end, or a negative errno, which is also kept;
+    ///         an end before size() is an I/O error
     std::int64_t readSome(std::int64_t offset, std::uint8_t* data, std::size_t count) noexcept;
 
     FileDescriptor descriptor_;

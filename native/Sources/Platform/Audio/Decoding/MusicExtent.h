@@ -12,7 +12,8 @@ namespace tonvale {
 struct DecodedFormat {
     int sampleRate = 0;  ///< frames per second
     int channelCount = 0;
-    int framesPerPacket = 0;  ///< of the first packet that gave any
+    int framesPerPacket = 0;        ///< of the first packet that gave any
+    std::uint32_t channelMask = 0;  ///< as in AudioFormat
 };
 
 /// The frames of a decoded stream that are music, the rest being encoder padding.

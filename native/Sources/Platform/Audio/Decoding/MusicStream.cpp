@@ -7,6 +7,7 @@
 #include "Platform/Foundation/Precondition.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <limits>
 
 namespace tonvale {
@@ -14,6 +15,13 @@ namespace tonvale {
 namespace {
 
 constexpr std::int64_t farAway = std::numeric_limits<std::int64_t>::max() / 4;
+
+/// Those who play or export a song count its frames in 32 bits.
+constexpr std::int64_t mostFrames = std::numeric_limits<std::uint32_t>::max();
+
+/// Twice what converters for music reach; beyond, a header is damaged, and the engine behind would
+/// size its windows by it.
+constexpr int highestSampleRate = 768000;
 
 /// Damaged packets at the start of a file that are passed over in search of the first sound.
 constexpr int patience = 500;
@@ -32,9 +40,16 @@ MusicStream::MusicStream(std::unique_ptr<LocalInput> input)
     const bool holdsMusic = decodeFirstBlock();
     const DecodedFormat& decoded = decoder_->format();
     format_ = {.sampleRate = static_cast<double>(decoded.sampleRate),
-               .channelCount = static_cast<std::uint32_t>(decoded.channelCount)};
+               .channelCount = static_cast<std::uint32_t>(decoded.channelCount),
+               .channelMask = decoded.channelMask};
+    if (decoded.sampleRate > highestSampleRate) {
+        throw decoderError(invalidDataError);
+    }
     memory_ = CodecMemory::of(source_->parameters(), decoded);
     extent_ = holdsMusic ? source_->extent(decoded) : MusicExtent{};
+    if (extent_.length > mostFrames) {
+        throw PlatformError::fromErrno(EFBIG);
+    }
     // The extent may have moved the source, so even the first read begins a run.
     runEnd_ = -farAway;
 }

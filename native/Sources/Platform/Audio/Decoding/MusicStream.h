@@ -26,7 +26,8 @@ namespace tonvale {
 class MusicStream {
 public:
     /// Recognises the format and decodes the first frame.
-    /// @error PlatformError in the system's or the library's words
+    /// @error PlatformError in the system's or the library's words; also for a song of more frames
+    ///        than 32 bits count
     explicit MusicStream(std::unique_ptr<LocalInput> input);
 
     [[nodiscard]] const AudioFormat& format() const noexcept { return format_; }

@@ -4,6 +4,7 @@
 
 #include "Platform/Audio/Encoding/AudioFileWriter.h"
 
+#include "Platform/Audio/Encoding/ChannelMap.h"
 #include "Platform/Audio/Encoding/SampleConversion.h"
 #include "Platform/Foundation/PlatformError.h"
 #include "Platform/Foundation/Precondition.h"
@@ -19,6 +20,7 @@
 #include <cmath>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace tonvale {
 
@@ -67,6 +69,15 @@ struct AudioFileWriter::Disk {
             return 0;
         }
         return status.st_size;
+    }
+
+    /// A file that lost its name while it was written would be gone the moment it is closed.
+    void noticeDeletion() noexcept
+    {
+        struct stat status = {};
+        if (::fstat(file.get(), &status) == 0 && status.st_nlink == 0) {
+            remember(ENOENT);
+        }
     }
 
     static Disk& of(void* self) noexcept { return *static_cast<Disk*>(self); }
@@ -143,6 +154,17 @@ SF_INFO soundInfo(const std::filesystem::path& url, const AudioFileSettings& set
     return info;
 }
 
+/// Left to itself, libsndfile guesses from the number of channels, often not as decoders do.
+/// Containers that know no such set of loudspeakers refuse the map and tell nothing, as before.
+void placeLoudspeakers(sf_private_tag& sound, const AudioFileSettings& settings)
+{
+    std::vector<int> map = channelMapFor(settings);
+    if (!map.empty()) {
+        sf_command(&sound, SFC_SET_CHANNEL_MAP_INFO, map.data(),
+                   static_cast<int>(map.size() * sizeof(int)));
+    }
+}
+
 }  // namespace
 
 void AudioFileWriter::CloseSound::operator()(sf_private_tag* sound) const noexcept
@@ -152,7 +174,7 @@ void AudioFileWriter::CloseSound::operator()(sf_private_tag* sound) const noexce
 
 AudioFileWriter::AudioFileWriter(const std::filesystem::path& url,
                                  const AudioFileSettings& settings, std::int64_t maximumFileSize)
-    : format_{settings.sampleRate, settings.numberOfChannels}
+    : format_{settings.sampleRate, settings.numberOfChannels, settings.channelMask}
     , maximumFileSize_(maximumFileSize)
     , disk_(std::make_unique<Disk>())
 {
@@ -167,6 +189,7 @@ AudioFileWriter::AudioFileWriter(const std::filesystem::path& url,
     if (!sound_ || disk_->firstError != 0) {
         throwFailure();
     }
+    placeLoudspeakers(*sound_, settings);
 }
 
 AudioFileWriter::~AudioFileWriter() = default;
@@ -194,6 +217,7 @@ void AudioFileWriter::close()
         return;
     }
     const int soundError = sf_close(sound_.release());  // writes the sizes into the header
+    disk_->noticeDeletion();
     if (disk_->file.close() != 0) {
         disk_->remember(errno);
     }
