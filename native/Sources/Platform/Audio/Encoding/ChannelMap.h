@@ -4,7 +4,7 @@
 
 #pragma once
 
-#include "Platform/Audio/AudioFile.h"
+#include "Platform/Audio/AudioFileSettings.h"
 
 #include <vector>
 
