@@ -95,7 +95,8 @@ void analysis(benchmark::State& state)
     Parts parts;
     AnalysisStage stage(parts.geometry, parts.designs, channels);
     for (auto _ : state) {
-        stage.advance(parts.material.next(parts.geometry.block));
+        stage.begin(parts.material.next(parts.geometry.block));
+        stage.finish();
     }
 }
 BENCHMARK(analysis);
@@ -121,8 +122,10 @@ void analysisAndSynthesis(benchmark::State& state)
     std::vector<float*> pointers{output[0].data(), output[1].data()};
     for (auto _ : state) {
         const float* const* block = parts.material.next(parts.geometry.block);
-        stage.advance(block);
-        synthesis.advance(stage, block, pointers);
+        stage.begin(block);
+        stage.finish();
+        synthesis.begin(stage, block, pointers);
+        synthesis.finish(stage);
     }
 }
 BENCHMARK(analysisAndSynthesis);

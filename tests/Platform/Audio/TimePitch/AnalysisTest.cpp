@@ -31,7 +31,8 @@ public:
             for (const test::Channel& channel : signal) {
                 channels.push_back(channel.data() + done);
             }
-            stage->advance(channels.data());
+            stage->begin(channels.data());
+            stage->finish();
             frames += geometry.block;
         }
     }

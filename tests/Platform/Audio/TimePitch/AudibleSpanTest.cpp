@@ -75,6 +75,18 @@ TEST_F(AudibleSpanTest, TwoNeighbourSpansAddUpToOneAroundTheBorder)
     EXPECT_TRUE(gain_.isPlain(after, border + 4096, 512));
 }
 
+TEST_F(AudibleSpanTest, SilentBlocksAreThoseWhoseGainsAreAllZero)
+{
+    const AudibleSpan span{20480, 24576, 20000, 24000};
+    for (Frames position = 18000; position < 26000; position += 64) {
+        bool isSilent = true;
+        for (const float gain : gains(span, position, 512)) {
+            isSilent = isSilent && gain == 0;
+        }
+        EXPECT_EQ(gain_.isSilent(span, position, 512), isSilent) << position;
+    }
+}
+
 TEST_F(AudibleSpanTest, MissingFramesAreMadeUpForButNotWithoutLimit)
 {
     std::vector<float> gains(1024);

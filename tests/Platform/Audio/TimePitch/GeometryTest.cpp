@@ -64,6 +64,17 @@ TEST(GeometryTest, TransformsHaveOnlySmallPrimeFactors)
     }
 }
 
+TEST(GeometryTest, OnlyTheLayerWithTheShortestWindowsCanWait)
+{
+    const Geometry geometry = makeGeometry(192000);
+    EXPECT_FALSE(geometry.canWait(geometry.layers[0]));
+    EXPECT_FALSE(geometry.canWait(geometry.layers[1]));
+    EXPECT_TRUE(geometry.canWait(geometry.layers[2]));
+    for (const LayerGeometry& layer : makeGeometry(8000).layers) {
+        EXPECT_FALSE(makeGeometry(8000).canWait(layer));
+    }
+}
+
 TEST(GeometryTest, LayersWithoutABandAreLeftOut)
 {
     EXPECT_EQ(makeGeometry(2000).layers.size(), 1U);

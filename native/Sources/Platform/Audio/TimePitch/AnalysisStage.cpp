@@ -53,7 +53,7 @@ const InputHistory& AnalysisStage::inputOf(const LayerGeometry& layer) const noe
     return octaves_[static_cast<std::size_t>(octavesOf(layer.decimation))];
 }
 
-void AnalysisStage::advance(const float* const* channels) noexcept
+void AnalysisStage::begin(const float* const* channels) noexcept
 {
     InputHistory& input = octaves_.front();
     for (unsigned channel = 0; channel < input.channelCount(); ++channel) {
@@ -63,10 +63,22 @@ void AnalysisStage::advance(const float* const* channels) noexcept
     for (std::size_t octave = 1; octave < octaves_.size(); ++octave) {
         decimator_.advance(octaves_[octave - 1], octaves_[octave]);
     }
+    analyse(false);
+}
+
+void AnalysisStage::finish() noexcept
+{
+    analyse(true);
+}
+
+/// Analyses the frames that the last block completed, in those layers that can wait or in the
+/// others.
+void AnalysisStage::analyse(bool waiting) noexcept
+{
     for (std::size_t index = 0; index < layers_.size(); ++index) {
         const LayerGeometry& layer = geometry_.layers[index];
-        const Frames reference = input.end() - layer.release;
-        if (reference % layer.hop == 0) {
+        const Frames reference = octaves_.front().end() - layer.release;
+        if (geometry_.canWait(layer) == waiting && reference % layer.hop == 0) {
             layers_[index].analyse(reference / layer.hop, inputOf(layer));
         }
     }

@@ -25,9 +25,12 @@ public:
 
     void reset() noexcept;
 
-    /// Takes the next geometry.block frames and analyses what they complete.
+    /// Takes the next geometry.block frames and analyses what they complete, in the layers that
+    /// cannot wait.
     /// @param channels  one pointer per channel
-    void advance(const float* const* channels) noexcept;
+    void begin(const float* const* channels) noexcept;
+    /// The rest of the block's work, at any time before the next begin().
+    void finish() noexcept;
 
     [[nodiscard]] const FrameHistory& frames(std::size_t layer) const noexcept
     {
@@ -35,6 +38,7 @@ public:
     }
 
 private:
+    void analyse(bool waiting) noexcept;
     [[nodiscard]] const InputHistory& inputOf(const LayerGeometry& layer) const noexcept;
 
     const Geometry& geometry_;

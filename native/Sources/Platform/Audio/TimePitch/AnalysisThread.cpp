@@ -91,7 +91,8 @@ void AnalysisThread::takeInput() noexcept
         if (assembler_.isFull()) {
             const std::int64_t block = blocksAnalysed_.load(std::memory_order_relaxed) + 1;
             waitUntil(blocksUsed_, block - largestLead);
-            stage_.advance(assembler_.channels());
+            stage_.begin(assembler_.channels());
+            stage_.finish();
             assembler_.startNext();
             advanceTo(blocksAnalysed_, block);
         }

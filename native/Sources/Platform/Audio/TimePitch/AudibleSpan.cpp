@@ -22,13 +22,22 @@ SpanGain::SpanGain(const LayerGeometry& geometry, const LayerWindows& windows)
     , hop_(geometry.hop)
     , release_(geometry.release)
     , halfFade_(std::max<Frames>(1, static_cast<Frames>(halfFadeSeconds * geometry.sampleRate)))
+    , rise_(2 * halfFade_)
 {
+    for (std::ptrdiff_t i = 0; i < rise_.size(); ++i) {
+        rise_[i] = raisedCosine(static_cast<double>(i) / static_cast<double>(rise_.size()));
+    }
 }
 
 bool SpanGain::isPlain(const AudibleSpan& span, Frames position, int count) const noexcept
 {
     return span.start < position - release_ - halfFade_
            && span.end > position + count + release_ + halfFade_;
+}
+
+bool SpanGain::isSilent(const AudibleSpan& span, Frames position, int count) const noexcept
+{
+    return span.start - halfFade_ >= position + count || span.end + halfFade_ <= position;
 }
 
 void SpanGain::computeCover(Frames firstFrame, Frames lastFrame, Frames position, int count,
@@ -66,15 +75,22 @@ void SpanGain::compute(const AudibleSpan& span, Frames position, int count,
 
 float SpanGain::fade(const AudibleSpan& span, Frames position) const noexcept
 {
-    const auto width = static_cast<double>(2 * halfFade_);
     double gain = 1;
     if (position < span.start + halfFade_) {
-        gain *= raisedCosine(static_cast<double>(position - span.start + halfFade_) / width);
+        gain *= rise(position - span.start + halfFade_);
     }
     if (position >= span.end - halfFade_) {
-        gain *= raisedCosine(static_cast<double>(span.end + halfFade_ - position) / width);
+        gain *= rise(span.end + halfFade_ - position);
     }
     return static_cast<float>(gain);
+}
+
+double SpanGain::rise(Frames frame) const noexcept
+{
+    if (frame <= 0) {
+        return 0;
+    }
+    return frame >= rise_.size() ? 1 : rise_[frame];
 }
 
 }  // namespace tonvale::timepitch

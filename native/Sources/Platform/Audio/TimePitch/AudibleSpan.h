@@ -42,6 +42,8 @@ public:
 
     /// Whether all of [position, position + count) is heard at full level without any gain.
     [[nodiscard]] bool isPlain(const AudibleSpan& span, Frames position, int count) const noexcept;
+    /// Whether nothing of [position, position + count) is heard.
+    [[nodiscard]] bool isSilent(const AudibleSpan& span, Frames position, int count) const noexcept;
     /// The gains for [position, position + count), both parts together.
     void compute(const AudibleSpan& span, Frames position, int count, float* gains) const noexcept;
     /// The factor for missing frames alone.
@@ -50,11 +52,13 @@ public:
 
 private:
     [[nodiscard]] float fade(const AudibleSpan& span, Frames position) const noexcept;
+    [[nodiscard]] double rise(Frames frame) const noexcept;
 
     const LayerWindows& windows_;
     Frames hop_;
     Frames release_;
     Frames halfFade_;
+    Array<double> rise_;  ///< a soft start, two half fades long
 };
 
 }  // namespace tonvale::timepitch

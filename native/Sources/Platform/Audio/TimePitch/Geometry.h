@@ -44,6 +44,12 @@ struct Geometry {
     int lookAhead = 0;      ///< frames of input after the reference that a synthesis needs
     int tail = 0;           ///< frames between the reference being synthesised and the output
 
+    /// Whether the layer's windows are so much shorter than the longest one that its frames may be
+    /// made a block late.
+    [[nodiscard]] bool canWait(const LayerGeometry& layer) const noexcept
+    {
+        return layer.release + layer.hop + block <= lookAhead && layer.release + block <= tail;
+    }
     /// Frames from a sample's arrival to its place in the output.
     [[nodiscard]] int latency() const noexcept { return lookAhead + tail; }
 };

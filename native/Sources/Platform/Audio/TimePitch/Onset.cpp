@@ -11,12 +11,17 @@ namespace tonvale::timepitch {
 
 namespace {
 
-/// A frame whose two onsets are closer than this (frames) no longer holds the first hit: the
-/// second is then left to its own frames. Factors of the window's release, measured.
-double closestPair(const LayerGeometry& layer)
+/// Whether a frame that holds two onsets must ignore the second one, because the first would not be
+/// heard otherwise. In the layers with long windows that is when all of the first one's frames hold
+/// the second as well; in the last one the factor of the release was measured.
+bool ignoresSecond(const LayerGeometry& layer, Frames first, Frames second)
 {
-    const bool longWindow = layer.upper.exists();
-    return (longWindow ? 0.8 : 1.3) * layer.release;
+    constexpr double closestPair = 1.3;
+    if (!layer.upper.exists()) {
+        return static_cast<double>(second - first) < closestPair * layer.release;
+    }
+    const Frames firstFrame = ceilDivide(first - layer.hop / 2, layer.hop) * layer.hop;
+    return second - firstFrame < layer.release;
 }
 
 }  // namespace
@@ -62,8 +67,7 @@ OnsetContext OnsetList::around(const LayerGeometry& layer, Frames reference) con
         }
     }
     if (context.current != nullptr && context.next != nullptr
-        && static_cast<double>(context.next->position - context.current->position)
-               < closestPair(layer)) {
+        && ignoresSecond(layer, context.current->position, context.next->position)) {
         context.next = nullptr;
     }
     return context;

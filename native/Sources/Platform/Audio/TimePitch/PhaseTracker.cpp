@@ -80,8 +80,9 @@ double PhaseTracker::rotationOf(const SpectralPeak& peak, const Frame& frame,
     const int offset = design_.windows.phaseOffset();
     if (frame.firstAfter != nullptr) {
         const Onset& onset = *frame.firstAfter;
-        const float before =
-            onset.remainder[static_cast<std::size_t>(layer.index)] * (*frame.powerBefore)[peak.bin];
+        const float remainder =
+            std::min(1.0F, onset.remainder[static_cast<std::size_t>(layer.index)]);
+        const float before = remainder * (*frame.powerBefore)[peak.bin];
         if (before < frame.spectrum.spreadPower[peak.bin]) {
             const auto distance = static_cast<double>(frame.reference + offset - onset.position);
             return (frame.ratio - 1) * distance * static_cast<double>(peak.advanceAfter)

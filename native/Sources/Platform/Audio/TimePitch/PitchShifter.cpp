@@ -63,7 +63,10 @@ public:
     [[nodiscard]] const Geometry& geometry() const noexcept { return geometry_; }
 
 private:
-    void processBlock() noexcept;
+    enum class Rest : unsigned char { Nothing, Synthesis, AnalysisAndSynthesis };
+
+    void beginBlock() noexcept;
+    void continueBlock() noexcept;
 
     Configuration configuration_;
     Geometry geometry_;
@@ -75,7 +78,8 @@ private:
     std::vector<Array<float>> finished_;  ///< the block of output being given away
     std::vector<float*> finishedPointers_;
     float cents_ = 0;
-    std::int64_t blocks_ = 0;               ///< processed since the last reset
+    std::int64_t blocks_ = 0;               ///< begun since the last reset
+    Rest rest_ = Rest::Nothing;             ///< of the last block's work
     std::optional<AnalysisThread> thread_;  // last: it must end before what it uses
 };
 
@@ -110,6 +114,7 @@ void PitchShifter::Engine::reset() noexcept
         channel.clear();
     }
     blocks_ = 0;
+    rest_ = Rest::Nothing;
 }
 
 void PitchShifter::Engine::setPitch(float cents) noexcept
@@ -142,8 +147,9 @@ void PitchShifter::Engine::process(std::span<const float* const> in, std::span<f
             std::copy_n(finishedPointers_[channel] + position, taken, out[channel] + done);
         }
         done += static_cast<unsigned>(taken);
+        continueBlock();
         if (assembler_.isFull()) {
-            processBlock();
+            beginBlock();
             assembler_.startNext();
         }
     }
@@ -152,19 +158,37 @@ void PitchShifter::Engine::process(std::span<const float* const> in, std::span<f
     }
 }
 
-void PitchShifter::Engine::processBlock() noexcept
+void PitchShifter::Engine::beginBlock() noexcept
 {
     ++blocks_;
     if (thread_) {
         thread_->waitFor(blocks_);
     } else {
-        analysis_.advance(assembler_.channels());
+        analysis_.begin(assembler_.channels());
     }
-    synthesis_.advance(analysis_, assembler_.channels(), finishedPointers_);
-    if (thread_) {
-        thread_->release(blocks_);
-    }
+    synthesis_.begin(analysis_, assembler_.channels(), finishedPointers_);
     direct_.process(assembler_.channels(), synthesis_.isNeutral(), finishedPointers_);
+    if (thread_) {
+        synthesis_.finish(analysis_);
+        thread_->release(blocks_);
+    } else {
+        rest_ = Rest::AnalysisAndSynthesis;
+    }
+}
+
+// What can wait is done at fixed places of the next block, so that a caller of small blocks does
+// not meet all the work in one call.
+void PitchShifter::Engine::continueBlock() noexcept
+{
+    const int filled = assembler_.filled();
+    if (rest_ == Rest::AnalysisAndSynthesis && filled >= geometry_.block / 4) {
+        analysis_.finish();
+        rest_ = Rest::Synthesis;
+    }
+    if (rest_ == Rest::Synthesis && filled >= geometry_.block / 2) {
+        synthesis_.finish(analysis_);
+        rest_ = Rest::Nothing;
+    }
 }
 
 PitchShifter::PitchShifter(const Configuration& configuration)

@@ -64,6 +64,7 @@ void SynthesisLayer::reset(double ratio) noexcept
     pitchNumber_ = 0;
     pitchStart_ = AudibleSpan::openBegin;
     lastReference_ = 0;
+    prepared_ = {};
 }
 
 void SynthesisLayer::changeRatio(Frames firstFrame) noexcept
@@ -102,46 +103,52 @@ SynthesisLayer::Voice& SynthesisLayer::voiceOf(const Onset& onset, Frames refere
     return voice;
 }
 
-void SynthesisLayer::synthesise(const FrameHistory& frames, std::int64_t number,
-                                const OnsetList& onsets, const Settings& settings) noexcept
+void SynthesisLayer::prepare(std::int64_t number, const OnsetList& onsets) noexcept
 {
     const LayerGeometry& layer = design_.geometry;
-    const SpectrumFrame& frame = frames.at(number);
     const Frames reference = number * layer.hop;
-    lastReference_ = reference;
     const OnsetContext context = onsets.around(layer, reference);
     const Onset* current = context.current;
-    const bool isFirst =
-        current != nullptr && reference - layer.hop < current->position - layer.hop / 2;
-    split_.update(frames, number, context);
-    movePhases(frames, number, isFirst ? current : nullptr, settings);
-    shifter_.plan(frame, phases_, settings.ratio, settings.weights, context.isPlain());
-
-    const float* weights = settings.weights.data();
-    Voice& sustained = pitchVoices_[currentPitchVoice_];
-    if (!split_.isSplit()) {
-        synthesisePart(frame, weights, true, sustained, reference);
-        return;
-    }
-    kernels::multiply(weights, split_.oldShare().data(), design_.binCount, partWeights_.data());
-    synthesisePart(frame, partWeights_.data(), true, sustained, reference);
-    if (split_.hasNewPart()) {
-        kernels::multiply(weights, split_.newShare().data(), design_.binCount, partWeights_.data());
-        synthesisePart(frame, partWeights_.data(), false, voiceOf(*current, reference, isFirst),
-                       reference);
+    prepared_ = {.number = number, .onsets = context};
+    prepared_.sustained = &pitchVoices_[currentPitchVoice_];
+    if (current != nullptr) {
+        prepared_.isFirst = reference - layer.hop < current->position - layer.hop / 2;
+        prepared_.newPart = &voiceOf(*current, reference, prepared_.isFirst);
     }
 }
 
-void SynthesisLayer::movePhases(const FrameHistory& frames, std::int64_t number,
-                                const Onset* firstAfter, const Settings& settings) noexcept
+void SynthesisLayer::synthesise(const FrameHistory& frames, const Settings& settings) noexcept
+{
+    const SpectrumFrame& frame = frames.at(prepared_.number);
+    const Frames reference = prepared_.number * design_.geometry.hop;
+    lastReference_ = reference;
+    split_.update(frames, prepared_.number, prepared_.onsets);
+    movePhases(frames, settings);
+    shifter_.plan(frame, phases_, settings.ratio, settings.weights, prepared_.onsets.isPlain());
+
+    const float* weights = settings.weights.data();
+    if (!split_.isSplit()) {
+        synthesisePart(frame, weights, true, *prepared_.sustained, reference);
+        return;
+    }
+    kernels::multiply(weights, split_.oldShare().data(), design_.binCount, partWeights_.data());
+    synthesisePart(frame, partWeights_.data(), true, *prepared_.sustained, reference);
+    if (split_.hasNewPart()) {
+        kernels::multiply(weights, split_.newShare().data(), design_.binCount, partWeights_.data());
+        synthesisePart(frame, partWeights_.data(), false, *prepared_.newPart, reference);
+    }
+}
+
+void SynthesisLayer::movePhases(const FrameHistory& frames, const Settings& settings) noexcept
 {
     const SynthesisLayer* lower = settings.lower;
-    const Frames reference = number * design_.geometry.hop;
+    const Frames reference = prepared_.number * design_.geometry.hop;
+    const Onset* firstAfter = prepared_.isFirst ? prepared_.onsets.current : nullptr;
     const Array<float>* before =
         firstAfter == nullptr
             ? nullptr
             : &frames.at(OnsetSplit::frameBefore(design_.geometry, *firstAfter)).spreadPower;
-    phases_.advance({.spectrum = frames.at(number),
+    phases_.advance({.spectrum = frames.at(prepared_.number),
                      .reference = reference,
                      .ratio = settings.ratio,
                      .ownShare = settings.ownShare,
@@ -239,6 +246,9 @@ void SynthesisLayer::render(Frames position, const OnsetDetector& onsets,
 void SynthesisLayer::renderPitch(Voice& voice, Frames position,
                                  std::span<float* const> output) noexcept
 {
+    if (spanGain_.isSilent(voice.span, position, block_)) {
+        return;
+    }
     interpolate(voice, position);
     const bool plain = spanGain_.isPlain(voice.span, position, block_);
     if (!plain) {
@@ -261,7 +271,8 @@ void SynthesisLayer::renderOnset(Voice& voice, Frames position, const OnsetDetec
     const auto* onset = std::find_if(list.begin(), list.end(), [&](const Onset& candidate) {
         return candidate.number == voice.onset && candidate.isIn(design_.geometry.index);
     });
-    if (onset == list.end() || onset->position - gate_.fadeFrames() >= position + block_) {
+    if (onset == list.end() || onset->position - gate_.fadeFrames() >= position + block_
+        || spanGain_.isSilent(voice.span, position, block_)) {
         return;
     }
     interpolate(voice, position);

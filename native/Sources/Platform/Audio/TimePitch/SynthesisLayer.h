@@ -48,9 +48,11 @@ public:
         const Array<float>& ownShare;  ///< see PhaseTracker::Frame
         const SynthesisLayer* lower;   ///< the layer below, or null
     };
-    /// Synthesises frame `number`.
-    void synthesise(const FrameHistory& frames, std::int64_t number, const OnsetList& onsets,
-                    const Settings& settings) noexcept;
+    /// Decides what the onsets around frame `number` make of it. It is the next to be synthesised;
+    /// until then the onsets must stay where they are.
+    void prepare(std::int64_t number, const OnsetList& onsets) noexcept;
+    /// Synthesises the frame that was prepared; it may be rendered before, if it is not yet heard.
+    void synthesise(const FrameHistory& frames, const Settings& settings) noexcept;
 
     /// Adds the block at `position` to `output` and frees the memory of the block before it.
     void render(Frames position, const OnsetDetector& onsets,
@@ -74,9 +76,16 @@ private:
     };
 
     [[nodiscard]] OverlapRing makeRing(const Geometry& geometry) const;
+    struct PreparedFrame {
+        std::int64_t number = 0;
+        OnsetContext onsets;
+        bool isFirst = false;        ///< the first one after onsets.current
+        Voice* newPart = nullptr;    ///< where the new part of onsets.current goes
+        Voice* sustained = nullptr;  ///< where everything else goes
+    };
+
     [[nodiscard]] Voice& voiceOf(const Onset& onset, Frames reference, bool isFirst) noexcept;
-    void movePhases(const FrameHistory& frames, std::int64_t number, const Onset* firstAfter,
-                    const Settings& settings) noexcept;
+    void movePhases(const FrameHistory& frames, const Settings& settings) noexcept;
     void synthesisePart(const SpectrumFrame& frame, const float* weights, bool isSustained,
                         Voice& voice, Frames reference) noexcept;
     void weigh(const SpectrumFrame& frame, const float* weights) noexcept;
@@ -104,6 +113,7 @@ private:
     std::int64_t pitchNumber_ = 0;
     Frames pitchStart_ = AudibleSpan::openBegin;
     Frames lastReference_ = 0;
+    PreparedFrame prepared_;
     ChannelSpectra source_;
     ChannelSpectra target_;
     Array<float> partWeights_;

@@ -48,8 +48,8 @@ void SynthesisStage::reset(double ratio) noexcept
     }
 }
 
-void SynthesisStage::advance(const AnalysisStage& analysis, const float* const* input,
-                             std::span<float* const> output) noexcept
+void SynthesisStage::begin(const AnalysisStage& analysis, const float* const* input,
+                           std::span<float* const> output) noexcept
 {
     detector_.advance(input);
     inputEnd_ += geometry_.block;
@@ -57,9 +57,8 @@ void SynthesisStage::advance(const AnalysisStage& analysis, const float* const* 
     takeOverRatio(reference);
     countNeutralFrames();
     chooseLowBand(analysis, reference);
-    for (std::size_t index = 0; index < layers_.size(); ++index) {
-        synthesiseLayer(index, analysis, reference);
-    }
+    prepareLayers(reference);
+    synthesise(analysis, reference, false);
     const Frames position = reference - geometry_.tail;
     for (float* channel : output) {
         std::fill_n(channel, geometry_.block, 0.0F);
@@ -67,7 +66,13 @@ void SynthesisStage::advance(const AnalysisStage& analysis, const float* const* 
     for (const std::unique_ptr<SynthesisLayer>& layer : layers_) {
         layer->render(position, detector_, output);
     }
-    detector_.onsets().forgetBefore(position - geometry_.longestWindow);
+}
+
+void SynthesisStage::finish(const AnalysisStage& analysis) noexcept
+{
+    const Frames reference = inputEnd_ - geometry_.lookAhead;
+    synthesise(analysis, reference, true);
+    detector_.onsets().forgetBefore(reference - geometry_.tail - geometry_.longestWindow);
 }
 
 void SynthesisStage::takeOverRatio(Frames reference) noexcept
@@ -105,13 +110,30 @@ void SynthesisStage::chooseLowBand(const AnalysisStage& analysis, Frames referen
     }
 }
 
-void SynthesisStage::synthesiseLayer(std::size_t index, const AnalysisStage& analysis,
-                                     Frames reference) noexcept
+void SynthesisStage::prepareLayers(Frames reference) noexcept
 {
-    const LayerGeometry& layer = geometry_.layers[index];
-    if (reference % layer.hop != 0) {
-        return;
+    for (std::size_t index = 0; index < layers_.size(); ++index) {
+        const LayerGeometry& layer = geometry_.layers[index];
+        if (reference % layer.hop == 0) {
+            layers_[index]->prepare(floorDivide(reference, layer.hop), detector_.onsets());
+        }
     }
+}
+
+/// Synthesises the frame at `reference`, in those layers that can wait or in the others.
+void SynthesisStage::synthesise(const AnalysisStage& analysis, Frames reference,
+                                bool waiting) noexcept
+{
+    for (std::size_t index = 0; index < layers_.size(); ++index) {
+        const LayerGeometry& layer = geometry_.layers[index];
+        if (geometry_.canWait(layer) == waiting && reference % layer.hop == 0) {
+            synthesiseLayer(index, analysis);
+        }
+    }
+}
+
+void SynthesisStage::synthesiseLayer(std::size_t index, const AnalysisStage& analysis) noexcept
+{
     const bool isLowest = index == 0;
     const bool isSecond = index == 1;
     const Array<float>* weights = &fixedWeights_[index];
@@ -123,8 +145,7 @@ void SynthesisStage::synthesiseLayer(std::size_t index, const AnalysisStage& ana
         .weights = *weights,
         .ownShare = lowBand_ && isSecond ? lowBand_->servedShare() : noShare_[index],
         .lower = isLowest ? nullptr : layers_[index - 1].get()};
-    layers_[index]->synthesise(analysis.frames(index), floorDivide(reference, layer.hop),
-                               detector_.onsets(), settings);
+    layers_[index]->synthesise(analysis.frames(index), settings);
     if (lowBand_ && isSecond) {
         layers_[1]->phases().handTo(layers_[0]->phases(), lowBand_->lostShare());
     }

@@ -32,9 +32,11 @@ public:
 
     /// Takes the next block of input (for the onsets), of which `analysis` has taken at least as
     /// many, and makes the next block of output, geometry.latency() frames older than the input's
-    /// end.
-    void advance(const AnalysisStage& analysis, const float* const* input,
-                 std::span<float* const> output) noexcept;
+    /// end. Layers that can wait have their new frame prepared only.
+    void begin(const AnalysisStage& analysis, const float* const* input,
+               std::span<float* const> output) noexcept;
+    /// The rest of the block's work, at any time before the next begin().
+    void finish(const AnalysisStage& analysis) noexcept;
 
     /// Whether the output is the input but for rounding: nothing is or was shifted that still
     /// sounds, and no phase is turned.
@@ -46,8 +48,9 @@ public:
 private:
     void takeOverRatio(Frames reference) noexcept;
     void chooseLowBand(const AnalysisStage& analysis, Frames reference) noexcept;
-    void synthesiseLayer(std::size_t index, const AnalysisStage& analysis,
-                         Frames reference) noexcept;
+    void prepareLayers(Frames reference) noexcept;
+    void synthesise(const AnalysisStage& analysis, Frames reference, bool waiting) noexcept;
+    void synthesiseLayer(std::size_t index, const AnalysisStage& analysis) noexcept;
     void countNeutralFrames() noexcept;
 
     const Geometry& geometry_;
