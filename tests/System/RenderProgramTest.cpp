@@ -4,6 +4,9 @@
 
 #include "System/RenderProgramFixture.h"
 
+#include <fcntl.h>
+
+#include <cstdlib>
 #include <fstream>
 
 namespace tonvale {
@@ -146,6 +149,11 @@ TEST_F(RenderProgram, TakesAnyNameThatAFileCanHave)
 TEST_F(RenderProgram, DrawsItsProgressOnATerminalOnly)
 {
     makeSong("song.wav", 44100 * 60);
+    if (const FileDescriptor terminal(::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC));
+        !terminal.isOpen() || ::unlockpt(terminal.get()) != 0
+        || !std::filesystem::exists(::ptsname(terminal.get()))) {
+        GTEST_SKIP() << "there are no pseudo-terminals here";
+    }
     // script(1) gives the program a terminal and copies what it draws.
     const ProgramResult result = test::runProgram(
         {"script", "--quiet", "--return", "--command",

@@ -24,10 +24,11 @@ namespace {
 
 struct Interrupted {
     int signalNumber;
+    bool leavesOutput;  ///< an unfinished one of ours
 };
 
-/// Watches a render: draws the bar on a terminal and stops when the user asks. Before the output
-/// is there a signal ends the process by itself, as there is nothing to clean up.
+/// Watches a render: draws the bar on a terminal and stops when the user asks. While the song is
+/// still being opened a signal ends the process by itself, as there is nothing to clean up.
 class Watcher {
 public:
     explicit Watcher(bool drawsBar) : drawsBar_(drawsBar) {}
@@ -39,7 +40,7 @@ public:
         }
         if (const int signalNumber = interruption_->signalNumber(); signalNumber != 0) {
             bar_.reset();
-            throw Interrupted{signalNumber};
+            throw Interrupted{signalNumber, progress.renderedFrames > 0};
         }
         if (drawsBar_) {
             draw(progress);
@@ -84,7 +85,9 @@ void render(const RenderRequest& request, int cents, const std::filesystem::path
     try {
         AudioExportService::render(request.input, output, cents, std::ref(watcher));
     } catch (const Interrupted& interrupted) {
-        ::unlink(output.c_str());  // ours: the watcher is first called when it was created
+        if (interrupted.leavesOutput) {
+            ::unlink(output.c_str());
+        }
         endBySignal(interrupted.signalNumber);
     } catch (const LocalizedError& error) {
         throw PlatformError("Could not render " + quotedName(request.input) + " into "

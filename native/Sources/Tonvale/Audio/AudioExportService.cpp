@@ -97,9 +97,9 @@ void AudioExportService::render(const std::filesystem::path& sourceURL,
     engine.attach(player);
     engine.attach(pitchUnit);
 
+    observer(RenderProgress{0, source->length()});
     AudioFile destination =
         createDestination(destinationURL, settingsFor(source->processingFormat()));
-    observer(RenderProgress{0, source->length()});
 
     engine.connect(player, pitchUnit, source->processingFormat());
     engine.connect(pitchUnit, engine.mainMixerNode(), destination.processingFormat());

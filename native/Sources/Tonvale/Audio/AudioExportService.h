@@ -15,7 +15,7 @@ struct RenderProgress {
     std::int64_t totalFrames;
 };
 
-/// Called on the rendering thread once when the destination was created and after each block;
+/// Called on the rendering thread once before the destination is touched and after each block;
 /// throws to stop the render.
 using RenderObserver = std::function<void(RenderProgress)>;
 
