@@ -1,0 +1,48 @@
+// SPDX-FileCopyrightText: 2026 The Tonvale Authors
+//
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace tonvale {
+
+/// Asks for one existing audio file.
+/// @thread CONTROL
+class OpenPanel {
+public:
+    /// The desktop's panel, or what replaceFactory() put in its place.
+    [[nodiscard]] static std::unique_ptr<OpenPanel> create();
+    /// The application sets the real panel at its start, tests set theirs.
+    static void replaceFactory(std::function<std::unique_ptr<OpenPanel>()> factory);
+
+    virtual ~OpenPanel() = default;
+
+    /// Shows the panel and returns when it is closed; the event loop runs meanwhile.
+    /// @return none when the user cancelled
+    [[nodiscard]] virtual std::optional<std::filesystem::path> runModal() = 0;
+};
+
+/// Asks where to save a WAVE file. Folders can be created in it; it asks before it lets an
+/// existing file be replaced; its answer always ends in ".wav".
+/// @thread CONTROL
+class SavePanel {
+public:
+    [[nodiscard]] static std::unique_ptr<SavePanel> create();
+    static void replaceFactory(std::function<std::unique_ptr<SavePanel>()> factory);
+
+    virtual ~SavePanel() = default;
+
+    std::string title;                   ///< of the panel's window
+    std::string nameFieldStringValue;    ///< the proposed file name
+    std::filesystem::path directoryURL;  ///< the folder shown first; empty: the panel's choice
+
+    [[nodiscard]] virtual std::optional<std::filesystem::path> runModal() = 0;
+};
+
+}  // namespace tonvale
