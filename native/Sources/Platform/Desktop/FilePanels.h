@@ -16,7 +16,7 @@ namespace tonvale {
 /// @thread CONTROL
 class OpenPanel {
 public:
-    /// The desktop's panel, or what replaceFactory() put in its place.
+    /// The panel that replaceFactory() was given.
     [[nodiscard]] static std::unique_ptr<OpenPanel> create();
     /// The application sets the real panel at its start, tests set theirs.
     static void replaceFactory(std::function<std::unique_ptr<OpenPanel>()> factory);

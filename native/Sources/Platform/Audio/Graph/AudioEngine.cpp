@@ -47,12 +47,34 @@ void AudioEngine::disableManualRenderingMode() noexcept
 
 void AudioEngine::start()
 {
-    precondition(manualRendering_.has_value());
+    if (!manualRendering_) {
+        startOutput();
+        return;
+    }
     mainMixer_.prepare({.format = manualRendering_->format,
                         .maximumFrameCount = manualRendering_->maximumFrameCount,
                         .isOffline = true});
     sampleTime_ = 0;
     isRunning_ = true;
+}
+
+void AudioEngine::startOutput()
+{
+    if (!output_) {
+        output_ = AudioOutput::create();
+    }
+    output_->start(silence_);
+}
+
+void AudioEngine::stop() noexcept
+{
+    output_.reset();
+    isRunning_ = false;
+}
+
+bool AudioEngine::isRunning() const noexcept
+{
+    return output_ ? output_->isRunning() : isRunning_;
 }
 
 const AudioFormat& AudioEngine::manualRenderingFormat() const noexcept

@@ -8,8 +8,10 @@
 #include "Platform/Audio/AudioPCMBuffer.h"
 #include "Platform/Audio/Graph/AudioMixerNode.h"
 #include "Platform/Audio/Graph/AudioNode.h"
+#include "Platform/Audio/Output/AudioOutput.h"
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -48,11 +50,12 @@ public:
                                    std::uint32_t maximumFrameCount);
     void disableManualRenderingMode() noexcept;
 
-    /// Gets every node ready to render from its beginning. Needs manual rendering.
+    /// With manual rendering: gets every node ready to render from its beginning. Without: opens
+    /// the desktop's sound device.
     /// @error PlatformError
     void start();
-    void stop() noexcept { isRunning_ = false; }
-    [[nodiscard]] bool isRunning() const noexcept { return isRunning_; }
+    void stop() noexcept;
+    [[nodiscard]] bool isRunning() const noexcept;
 
     /// The format of rendered buffers; manual rendering must be enabled.
     [[nodiscard]] const AudioFormat& manualRenderingFormat() const noexcept;
@@ -72,6 +75,14 @@ private:
         std::uint32_t maximumFrameCount;
     };
 
+    struct Silence final : AudioOutputSource {
+        [[nodiscard]] std::uint32_t read(std::span<float> /*samples*/) noexcept override
+        {
+            return 0;
+        }
+    };
+
+    void startOutput();
     [[nodiscard]] bool isAttached(const AudioNode& node) const noexcept;
 
     AudioMixerNode mainMixer_;
@@ -80,6 +91,8 @@ private:
     std::optional<ManualRendering> manualRendering_;
     std::int64_t sampleTime_ = 0;
     bool isRunning_ = false;
+    Silence silence_;
+    std::unique_ptr<AudioOutput> output_;
 };
 
 }  // namespace tonvale
