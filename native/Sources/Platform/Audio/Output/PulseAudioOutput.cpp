@@ -85,7 +85,8 @@ void PulseAudioOutput::prepare(AudioOutputSource& source)
                .channelCount = QueuedFrames::channelCount};
     queue_.resize(stream_->sampleRate() * queueSeconds);
     end_ = 0;
-    isDelivering_ = false;
+    isFollowing_ = false;
+    isStarving_ = false;
     isDry_ = true;
     isRunning_ = true;
     loop_->api().defer_enable(wakeUp_, 1);
@@ -120,10 +121,11 @@ void PulseAudioOutput::streamHasRoom() noexcept
     fill();
 }
 
-void PulseAudioOutput::streamRanDry() noexcept
+void PulseAudioOutput::streamRanDry(std::int64_t end) noexcept
 {
     const DeviceCallback mark;
     isDry_ = true;
+    isStarving_ = isFollowing_ && end > firstFollowed_;
     fill();
 }
 
@@ -166,16 +168,24 @@ std::int64_t PulseAudioOutput::pourOnce(std::int64_t room) noexcept
     if (count == 0) {
         return 0;
     }
-    underrunCount_ += isDry_ && isDelivering_ ? 1 : 0;
     queue_.clear(end_, first);
     write(std::max(end_, first - queue_.capacity() / 2), first + count);
-    isDelivering_ = true;
-    isDry_ = false;
-    lastFrames_ = Clock::now();
+    noteFrames(first);
     if (stream_->isPaused()) {
         stream_->setPaused(false);
     }
     return count;
+}
+
+/// Counts the underrun that these frames end, if they do.
+void PulseAudioOutput::noteFrames(std::int64_t first) noexcept
+{
+    underrunCount_ += isStarving_ ? 1 : 0;
+    firstFollowed_ = isFollowing_ ? firstFollowed_ : first;
+    isFollowing_ = true;
+    isStarving_ = false;
+    isDry_ = false;
+    lastFrames_ = Clock::now();
 }
 
 /// Looks again soon after the source's last frames; pauses when there have been none for long.
@@ -213,7 +223,9 @@ void PulseAudioOutput::discardQueued() noexcept
     isDiscarding_ = false;
     if (isRunning_) {
         takeBack();
-        isDelivering_ = false;
+        isFollowing_ = false;
+        isStarving_ = false;
+        isDry_ = true;  // little is left: what comes next may come too late to follow it
         loop_->api().defer_enable(wakeUp_, 1);  // there may have been frames in the meantime
     }
 }
@@ -222,7 +234,7 @@ void PulseAudioOutput::discardQueued() noexcept
 void PulseAudioOutput::takeBack() noexcept
 {
     const std::int64_t first = std::max(stream_->firstFreeFrame(), end_ - queue_.capacity());
-    if (isDry_ || first >= end_) {
+    if (first >= end_) {
         return;
     }
     const std::int64_t silent = std::min(first + framesIn(fadeLength), end_);

@@ -42,7 +42,7 @@ private:
     using Clock = std::chrono::steady_clock;
 
     void streamHasRoom() noexcept override;
-    void streamRanDry() noexcept override;
+    void streamRanDry(std::int64_t end) noexcept override;
     void streamIsLost() noexcept override { isRunning_ = false; }
 
     void startMainLoop();
@@ -52,6 +52,7 @@ private:
     void fill() noexcept;
     [[nodiscard]] bool pour() noexcept;
     [[nodiscard]] std::int64_t pourOnce(std::int64_t room) noexcept;
+    void noteFrames(std::int64_t first) noexcept;
     void rest() noexcept;
     void wakeIn(std::chrono::milliseconds time) noexcept;
 
@@ -68,10 +69,12 @@ private:
     std::string title_ = "Tonvale";
 
     QueuedFrames queue_;
-    std::int64_t end_ = 0;       // the frame behind the last one that the source gave
-    bool isDelivering_ = false;  // the source gave frames, and nothing took them back
+    std::int64_t end_ = 0;            // the frame behind the last one that the source gave
+    bool isFollowing_ = false;        // the next frames belong behind those: none were taken back
+    std::int64_t firstFollowed_ = 0;  // the first frame since that began
+    bool isDry_ = true;               // the device has nothing left, or may have
+    bool isStarving_ = false;         // it has nothing left of those
     bool isDiscarding_ = false;
-    bool isDry_ = true;  // the device had nothing left since the source last gave frames
     Clock::time_point lastFrames_;
 
     std::atomic<bool> isRunning_ = false;

@@ -23,8 +23,9 @@ constexpr std::int64_t frameBytes = channelCount * sizeof(float);
 constexpr std::uint32_t deviceMilliseconds = 10;
 constexpr std::uint32_t serverMilliseconds = 70;
 
-// From the reckoning to the arrival of a write, on a machine with other things to do.
-constexpr std::int64_t deliveryMicroseconds = 4000;
+// From the reckoning to the arrival of a write, at least; a busy server takes as long as it took
+// for its last answer.
+constexpr std::chrono::microseconds quickDelivery(4000);
 
 pa_buffer_attr bufferLengths(std::uint32_t sampleRate)
 {
@@ -97,7 +98,10 @@ void PulseStream::observe()
         this);
     pa_stream_set_underflow_callback(
         stream_.get(),
-        [](pa_stream*, void* self) { static_cast<PulseStream*>(self)->listener_.streamRanDry(); },
+        [](pa_stream* stream, void* self) {
+            const std::int64_t end = pa_stream_get_underflow_index(stream) / frameBytes;
+            static_cast<PulseStream*>(self)->listener_.streamRanDry(end);
+        },
         this);
 }
 
@@ -157,15 +161,18 @@ std::int64_t PulseStream::firstFreeFrame() const noexcept
     const auto age = static_cast<std::int64_t>(pa_timeval_cmp(&now, &account->timestamp) > 0
                                                    ? pa_timeval_diff(&now, &account->timestamp)
                                                    : 0);
-    const std::int64_t overdue = age + deliveryMicroseconds - held;
+    const std::int64_t overdue = age + std::max(quickDelivery, 2 * roundTrip_).count() - held;
     return taken + (overdue < 0 ? 0 : framesIn(overdue + block));
 }
 
 void PulseStream::refreshPlace(const Deadline& deadline)
 {
+    const auto asked = std::chrono::steady_clock::now();
     const bool isRefreshed = connection_.complete(
         pa_stream_update_timing_info(stream_.get(), nullptr, nullptr), deadline);
     static_cast<void>(isRefreshed);  // the account before it is the next best
+    roundTrip_ =
+        std::chrono::ceil<std::chrono::microseconds>(std::chrono::steady_clock::now() - asked);
 }
 
 void PulseStream::write(std::int64_t frame, std::span<const float> samples) noexcept

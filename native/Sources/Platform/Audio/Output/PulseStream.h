@@ -19,7 +19,8 @@ namespace tonvale {
 class PulseStreamListener {
 public:
     virtual void streamHasRoom() noexcept = 0;
-    virtual void streamRanDry() noexcept = 0;  ///< the device took the last frame it had
+    /// The device took the last frame it had, the one before `end`.
+    virtual void streamRanDry(std::int64_t end) noexcept = 0;
     virtual void streamIsLost() noexcept = 0;
 
 protected:
@@ -71,6 +72,7 @@ private:
     std::unique_ptr<pa_stream, Disconnect> stream_;
     std::int64_t end_ = 0;  // where the next frame would go by itself
     bool isPaused_ = true;
+    std::chrono::microseconds roundTrip_{0};  // of the last account asked for
 };
 
 }  // namespace tonvale
