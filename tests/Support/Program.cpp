@@ -113,6 +113,14 @@ void RunningProgram::sendSignal(int signalNumber) const
     ::kill(process_, signalNumber);
 }
 
+bool RunningProgram::isAlive() const
+{
+    siginfo_t state{};
+    return process_ > 0
+           && ::waitid(P_PID, static_cast<id_t>(process_), &state, WEXITED | WNOHANG | WNOWAIT) == 0
+           && state.si_pid == 0;
+}
+
 ProgramResult RunningProgram::wait()
 {
     ProgramResult result;

@@ -36,6 +36,8 @@ public:
     RunningProgram& operator=(const RunningProgram&) = delete;
 
     void sendSignal(int signalNumber) const;
+    /// Whether it has not ended yet. What it wrote, and how it ended, is still there for wait().
+    [[nodiscard]] bool isAlive() const;
     /// Waits for its end.
     ProgramResult wait();
 

@@ -125,7 +125,7 @@ void PulseAudioOutput::streamRanDry(std::int64_t end) noexcept
 {
     const DeviceCallback mark;
     isDry_ = true;
-    isStarving_ = isFollowing_ && end > firstFollowed_;
+    isStarving_ = isFollowing_ && end >= followedFrom_;
     fill();
 }
 
@@ -170,7 +170,7 @@ std::int64_t PulseAudioOutput::pourOnce(std::int64_t room) noexcept
     }
     queue_.clear(end_, first);
     write(std::max(end_, first - queue_.capacity() / 2), first + count);
-    noteFrames(first);
+    noteFrames();
     if (stream_->isPaused()) {
         stream_->setPaused(false);
     }
@@ -178,10 +178,10 @@ std::int64_t PulseAudioOutput::pourOnce(std::int64_t room) noexcept
 }
 
 /// Counts the underrun that these frames end, if they do.
-void PulseAudioOutput::noteFrames(std::int64_t first) noexcept
+void PulseAudioOutput::noteFrames() noexcept
 {
     underrunCount_ += isStarving_ ? 1 : 0;
-    firstFollowed_ = isFollowing_ ? firstFollowed_ : first;
+    followedFrom_ = isFollowing_ ? followedFrom_ : end_;
     isFollowing_ = true;
     isStarving_ = false;
     isDry_ = false;
@@ -240,9 +240,13 @@ void PulseAudioOutput::takeBack() noexcept
     const std::int64_t silent = std::min(first + framesIn(fadeLength), end_);
     queue_.fadeOut(first, silent);
     queue_.clear(silent, end_);
-    write(first, end_);
-    // The last frame of the fade once more, so that the next frames follow it: the server goes on
-    // where the last write ended.
+    const std::int64_t end = end_;
+    write(first, end);
+    // The silence again, as a block of its own: PulseAudio 16 plays the beginning of a block once
+    // more behind a place in its middle that is replaced, and new frames will replace silence.
+    write(silent, end);
+    // The last frame of the fade again, so that new frames follow it: the server goes on where the
+    // last write ended.
     write(silent - 1, silent);
 }
 

@@ -52,7 +52,7 @@ private:
     void fill() noexcept;
     [[nodiscard]] bool pour() noexcept;
     [[nodiscard]] std::int64_t pourOnce(std::int64_t room) noexcept;
-    void noteFrames(std::int64_t first) noexcept;
+    void noteFrames() noexcept;
     void rest() noexcept;
     void wakeIn(std::chrono::milliseconds time) noexcept;
 
@@ -69,11 +69,11 @@ private:
     std::string title_ = "Tonvale";
 
     QueuedFrames queue_;
-    std::int64_t end_ = 0;            // the frame behind the last one that the source gave
-    bool isFollowing_ = false;        // the next frames belong behind those: none were taken back
-    std::int64_t firstFollowed_ = 0;  // the first frame since that began
-    bool isDry_ = true;               // the device has nothing left, or may have
-    bool isStarving_ = false;         // it has nothing left of those
+    std::int64_t end_ = 0;           // the frame behind the last one that the source gave
+    bool isFollowing_ = false;       // the next frames belong behind those: none were taken back
+    std::int64_t followedFrom_ = 0;  // the frame behind the first of those that came at once
+    bool isDry_ = true;              // the device has nothing left, or may have
+    bool isStarving_ = false;        // it has nothing left of those
     bool isDiscarding_ = false;
     Clock::time_point lastFrames_;
 

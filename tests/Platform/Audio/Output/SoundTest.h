@@ -1,0 +1,77 @@
+// SPDX-FileCopyrightText: 2026 The Tonvale Authors
+//
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include "Platform/Audio/Output/AudioOutput.h"
+#include "Support/PulseServer.h"
+#include "Support/Recorder.h"
+#include "Support/ToneSource.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <memory>
+#include <vector>
+
+namespace tonvale::test {
+
+/// A server of our own, an output that may be started on it, and a source.
+class SoundTest : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        if (!server.start()) {
+            GTEST_SKIP() << "PulseAudio does not start here";
+        }
+    }
+
+    /// Begins a tone as a player does.
+    void play(double frequency, std::int64_t frameCount = ToneSource::unlimited)
+    {
+        source.setTone(frequency);
+        source.offer(frameCount);
+        output->framesReady();
+    }
+
+    /// As a player does: first its own frames are gone, then the device's.
+    void stop()
+    {
+        source.offer(0);
+        output->discardQueued();
+    }
+
+    PulseServer server{48000, false};
+    ToneSource source;
+    std::unique_ptr<AudioOutput> output = AudioOutput::create();
+};
+
+/// For Recorder::waitForSound.
+inline bool isSounding(const std::vector<float>& samples)
+{
+    return samples.back() != 0.0F;
+}
+
+/// The first frame from `from` on that is not silent, or the end.
+inline std::size_t soundIn(const std::vector<float>& samples, std::size_t from = 0)
+{
+    const auto begin = samples.begin() + static_cast<std::ptrdiff_t>(from);
+    const auto found = std::find_if(begin, samples.end(), [](float s) { return s != 0.0F; });
+    return static_cast<std::size_t>(found - samples.begin());
+}
+
+/// How many frames from `from` on are, bit by bit, the source's tone from its beginning.
+inline std::size_t toneIn(const std::vector<float>& samples, std::size_t from,
+                          const ToneSource& source, double frequency)
+{
+    std::size_t count = 0;
+    while (from + count < samples.size()
+           && samples[from + count] == source.tone(frequency, static_cast<std::int64_t>(count))) {
+        ++count;
+    }
+    return count;
+}
+
+}  // namespace tonvale::test
