@@ -47,15 +47,16 @@ public:
     /// Waits for somebody to ask. @return false when nobody did
     [[nodiscard]] bool isAskedWithin(std::chrono::milliseconds time)
     {
-        while (asked_.try_acquire()) {
-        }
+        isWaitedFor_ = true;
         return asked_.try_acquire_for(time);
     }
 
     [[nodiscard]] std::uint32_t read(std::span<float> samples) noexcept override
     {
         const auto space = static_cast<std::int64_t>(samples.size() / 2);
-        asked_.release();
+        if (isWaitedFor_.exchange(false)) {
+            asked_.release();  // the one thing that a player's source would not do here
+        }
         isFilling_ = most_ != unlimited && !isFilling_;
         const std::int64_t ready = isFilling_ ? 0 : std::min<std::int64_t>(offered_, most_);
         const std::int64_t count = std::min(ready, space);
@@ -74,6 +75,7 @@ private:
     std::atomic<std::int64_t> offered_ = 0;
     std::atomic<std::int64_t> most_ = unlimited;
     bool isFilling_ = false;
+    std::atomic<bool> isWaitedFor_ = false;
     std::counting_semaphore<> asked_{0};
 };
 

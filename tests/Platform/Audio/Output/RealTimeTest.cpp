@@ -33,16 +33,23 @@ struct Misdeed {
 void* volatile memory;
 volatile long outcome = 0;
 
+void* takeMemory()
+{
+    void* const taken = memory;
+    memory = nullptr;
+    return taken;
+}
+
 const std::vector<Misdeed>& misdeeds()
 {
     static std::mutex mutex;
     static const std::vector<Misdeed> all{
         {"malloc", [] { memory = std::malloc(100); }},
-        {"free", [] { std::free(memory); }},
+        {"free", [] { std::free(takeMemory()); }},
         {"malloc", [] { memory = ::operator new(100); }},
-        {"free", [] { ::operator delete(memory); }},
+        {"free", [] { ::operator delete(takeMemory()); }},
         {"calloc", [] { memory = std::calloc(3, 100); }},
-        {"realloc", [] { memory = std::realloc(memory, 1000); }},
+        {"realloc", [] { memory = std::realloc(takeMemory(), 1000); }},
         {"pthread_mutex_lock", [] { const std::lock_guard lock(mutex); }},
         {"write", [] { outcome = ::write(-1, "", 0); }},
         {"read", [] { outcome = ::read(-1, nullptr, 0); }},
