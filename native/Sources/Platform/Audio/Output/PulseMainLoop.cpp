@@ -46,7 +46,6 @@ PulseMainLoop::PulseMainLoop() : loop_(pa_threaded_mainloop_new())
         }
         throw PlatformError(pa_strerror(PA_ERR_INTERNAL));
     }
-    pa_threaded_mainloop_set_name(loop_, "sound output");
     api_ = pa_threaded_mainloop_get_api(loop_);
 }
 
