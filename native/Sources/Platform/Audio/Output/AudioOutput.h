@@ -54,15 +54,19 @@ public:
     /// Of the running stream: the device's own rate, and two channels.
     [[nodiscard]] virtual AudioFormat format() const noexcept = 0;
 
-    /// Takes back what was read but not yet heard: it fades out within 5 ms. What the source gives
-    /// after this call follows. When this returns, no read() that began before it is under way.
+    /// Takes back what was read but not yet heard, as far as the device has not taken it: it fades
+    /// out within 5 ms, 10 to 20 ms from now. What the source gives after this call follows. When
+    /// this returns, no read() that began before it is under way. Waits for the server, but no
+    /// longer than 20 ms; mostly it takes less than one.
     virtual void discardQueued() noexcept = 0;
 
-    /// Tells the device that the source has frames again after it had too few. @thread ANY but
-    /// AUDIO
+    /// Tells the device that the source has frames again after it had too few. The device looks
+    /// again by itself for a quarter of a second, and from then on waits for this. Costs next to
+    /// nothing where it is not needed. @thread ANY but AUDIO
     virtual void framesReady() noexcept = 0;
 
-    /// How often the device ran dry between two frames of the source. @thread ANY
+    /// How often the device ran dry between two frames of the source that no discardQueued() lies
+    /// between. @thread ANY
     [[nodiscard]] virtual std::uint64_t underrunCount() const noexcept = 0;
 
     /// What the desktop's mixer shows for the stream; may be set before start().
