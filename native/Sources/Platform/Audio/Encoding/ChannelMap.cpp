@@ -4,10 +4,11 @@
 
 #include "Platform/Audio/Encoding/ChannelMap.h"
 
+#include "Platform/Audio/Loudspeakers.h"
+
 #include <sndfile.h>
 
 #include <array>
-#include <bit>
 #include <cstddef>
 #include <cstdint>
 
@@ -16,7 +17,7 @@ namespace tonvale {
 namespace {
 
 /// In the order of the mask's bits.
-constexpr std::array<int, 18> loudspeakers = {
+constexpr std::array<int, loudspeakerPositions> loudspeakers = {
     SF_CHANNEL_MAP_LEFT,
     SF_CHANNEL_MAP_RIGHT,
     SF_CHANNEL_MAP_CENTER,
@@ -39,30 +40,12 @@ constexpr std::array<int, 18> loudspeakers = {
 
 constexpr std::uint32_t everybodyKnows = 2;  // where one and two loudspeakers stand
 
-/// The positions that decoders assume too when a file does not tell, from three channels on.
-constexpr std::array<std::uint32_t, 6> usualMasks = {
-    0x00B,  // left, right, LFE
-    0x107,  // left, right, centre, rear centre
-    0x037,  // left, right, centre, rear left and right
-    0x03F,  // the same with LFE
-    0x70F,  // left, right, centre, LFE, rear centre, side left and right
-    0x63F,  // 5.1 with side left and right
-};
-
 /// 0 when the loudspeakers cannot be told, or need not.
 std::uint32_t maskFor(const AudioFileSettings& settings)
 {
-    const std::uint32_t channelCount = settings.numberOfChannels;
-    if (channelCount <= everybodyKnows) {
-        return 0;
-    }
-    const bool isWhole = settings.channelMask < 1U << loudspeakers.size()
-                         && std::popcount(settings.channelMask) == static_cast<int>(channelCount);
-    if (isWhole) {
-        return settings.channelMask;
-    }
-    const std::size_t index = channelCount - everybodyKnows - 1;
-    return index < usualMasks.size() ? usualMasks[index] : 0;
+    return settings.numberOfChannels <= everybodyKnows
+               ? 0
+               : loudspeakersFor(settings.numberOfChannels, settings.channelMask);
 }
 
 }  // namespace

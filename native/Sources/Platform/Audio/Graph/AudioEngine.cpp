@@ -11,10 +11,19 @@
 
 namespace tonvale {
 
+AudioEngine::~AudioEngine()
+{
+    stop();
+    for (AudioNode* node : attachedNodes_) {
+        node->setHost(nullptr);
+    }
+}
+
 void AudioEngine::attach(AudioNode& node)
 {
     precondition(!isAttached(node));
     attachedNodes_.push_back(&node);
+    node.setHost(this);
 }
 
 void AudioEngine::connect(AudioNode& source, AudioNode& destination,
@@ -48,7 +57,7 @@ void AudioEngine::disableManualRenderingMode() noexcept
 void AudioEngine::start()
 {
     if (!manualRendering_) {
-        startOutput();
+        startLive();
         return;
     }
     mainMixer_.prepare({.format = manualRendering_->format,
@@ -58,23 +67,66 @@ void AudioEngine::start()
     isRunning_ = true;
 }
 
-void AudioEngine::startOutput()
+void AudioEngine::startLive()
 {
-    if (!output_) {
-        output_ = AudioOutput::create();
+    if (!live_) {
+        live_ = std::make_unique<LivePlayback>(mainMixer_);
+        live_->setTitle(title_);
     }
-    output_->start(silence_);
+    live_->start();
 }
 
 void AudioEngine::stop() noexcept
 {
-    output_.reset();
+    live_.reset();
     isRunning_ = false;
 }
 
 bool AudioEngine::isRunning() const noexcept
 {
-    return output_ ? output_->isRunning() : isRunning_;
+    return live_ ? live_->isRunning() : isRunning_;
+}
+
+void AudioEngine::setTitle(std::string_view title)
+{
+    title_ = title;
+    if (live_) {
+        live_->setTitle(title_);
+    }
+}
+
+std::uint64_t AudioEngine::underrunCount() const noexcept
+{
+    return live_ ? live_->underrunCount() : 0;
+}
+
+void AudioEngine::leave(AudioNode& node) noexcept
+{
+    stop();
+    std::erase(attachedNodes_, &node);
+    const auto forget = [&node](AudioNode& other) {
+        if (other.input() == &node) {
+            other.setInput(nullptr);
+        }
+    };
+    forget(mainMixer_);
+    for (AudioNode* other : attachedNodes_) {
+        forget(*other);
+    }
+}
+
+void AudioEngine::beginPlayback(const Playback& playback)
+{
+    if (live_) {
+        live_->begin(playback);
+    }
+}
+
+void AudioEngine::endPlayback() noexcept
+{
+    if (live_) {
+        live_->end();
+    }
 }
 
 const AudioFormat& AudioEngine::manualRenderingFormat() const noexcept

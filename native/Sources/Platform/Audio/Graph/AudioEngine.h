@@ -8,11 +8,14 @@
 #include "Platform/Audio/AudioPCMBuffer.h"
 #include "Platform/Audio/Graph/AudioMixerNode.h"
 #include "Platform/Audio/Graph/AudioNode.h"
-#include "Platform/Audio/Output/AudioOutput.h"
+#include "Platform/Audio/Graph/AudioNodeHost.h"
+#include "Platform/Audio/Graph/LivePlayback.h"
 
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <string>
+#include <string_view>
 #include <vector>
 
 namespace tonvale {
@@ -26,14 +29,23 @@ enum class AudioEngineManualRenderingStatus {
     error,
 };
 
-/// A graph of nodes that ends in a main mixer, and the driver that pulls frames out of it.
-/// The nodes belong to the caller and outlive the engine's last render.
+/// A graph of nodes that ends in a main mixer, and the driver that pulls frames out of it: a loop
+/// of the caller's (manual rendering), or the desktop's sound device (real time). The nodes belong
+/// to the caller and outlive the engine's last render. A node that goes while it is attached stops
+/// the engine and leaves the graph.
 ///
 /// Order of calls for manual rendering: attach and connect, enableManualRenderingMode(), start(),
 /// renderOffline() again and again, stop(), disableManualRenderingMode().
-/// @thread one at a time
-class AudioEngine {
+///
+/// In real time: attach and connect without a format, start(); then a source plays in the format of
+/// its file, which may change from one to the next. The engine is left running; when the device is
+/// lost, isRunning() turns false and start() opens it anew.
+/// @thread one at a time; with manual rendering any one, in real time CONTROL
+class AudioEngine final : private AudioNodeHost {
 public:
+    AudioEngine() = default;
+    ~AudioEngine() override;
+
     [[nodiscard]] AudioMixerNode& mainMixerNode() noexcept { return mainMixer_; }
 
     /// Makes `node` part of the graph; a node must be attached before it is connected.
@@ -51,11 +63,17 @@ public:
     void disableManualRenderingMode() noexcept;
 
     /// With manual rendering: gets every node ready to render from its beginning. Without: opens
-    /// the desktop's sound device.
-    /// @error PlatformError
+    /// the desktop's sound device and waits for it, no longer than three seconds; nothing of the
+    /// graph changes if that fails.
+    /// @error PlatformError in the library's words
     void start();
     void stop() noexcept;
     [[nodiscard]] bool isRunning() const noexcept;
+
+    /// What the desktop's mixer shows for the sound; may be set before start().
+    void setTitle(std::string_view title);
+    /// How often the device ran dry between two frames since the engine was first started.
+    [[nodiscard]] std::uint64_t underrunCount() const noexcept;
 
     /// The format of rendered buffers; manual rendering must be enabled.
     [[nodiscard]] const AudioFormat& manualRenderingFormat() const noexcept;
@@ -75,14 +93,11 @@ private:
         std::uint32_t maximumFrameCount;
     };
 
-    struct Silence final : AudioOutputSource {
-        [[nodiscard]] std::uint32_t read(std::span<float> /*samples*/) noexcept override
-        {
-            return 0;
-        }
-    };
+    void leave(AudioNode& node) noexcept override;
+    void beginPlayback(const Playback& playback) override;
+    void endPlayback() noexcept override;
 
-    void startOutput();
+    void startLive();
     [[nodiscard]] bool isAttached(const AudioNode& node) const noexcept;
 
     AudioMixerNode mainMixer_;
@@ -91,8 +106,8 @@ private:
     std::optional<ManualRendering> manualRendering_;
     std::int64_t sampleTime_ = 0;
     bool isRunning_ = false;
-    Silence silence_;
-    std::unique_ptr<AudioOutput> output_;
+    std::string title_;
+    std::unique_ptr<LivePlayback> live_;  // last: its thread renders the above
 };
 
 }  // namespace tonvale

@@ -16,6 +16,15 @@ void AudioMixerNode::prepare(const RenderSettings& settings)
     framesToRunAhead_ = limiter_->latencyFrames();
 }
 
+std::uint32_t AudioMixerNode::reset(std::uint32_t prerollFrames)
+{
+    if (limiter_) {
+        limiter_->reset();
+        framesToRunAhead_ = limiter_->latencyFrames();
+    }
+    return AudioNode::reset(prerollFrames);
+}
+
 void AudioMixerNode::render(AudioPCMBuffer& buffer, std::uint32_t frameCount)
 {
     runAhead(buffer);

@@ -18,6 +18,7 @@ namespace tonvale {
 class AudioMixerNode final : public AudioNode {
 public:
     void prepare(const RenderSettings& settings) override;
+    std::uint32_t reset(std::uint32_t prerollFrames) override;
     void render(AudioPCMBuffer& buffer, std::uint32_t frameCount) override;
 
 private:

@@ -4,12 +4,33 @@
 
 #include "Platform/Audio/Graph/AudioNode.h"
 
+#include "Platform/Audio/Graph/AudioNodeHost.h"
+
+#include <utility>
+
 namespace tonvale {
+
+AudioNode::~AudioNode()
+{
+    leaveHost();
+}
 
 void AudioNode::prepare(const RenderSettings& settings)
 {
     if (input_ != nullptr) {
         input_->prepare(settings);
+    }
+}
+
+std::uint32_t AudioNode::reset(std::uint32_t prerollFrames)
+{
+    return input_ != nullptr ? input_->reset(prerollFrames) : 0;
+}
+
+void AudioNode::leaveHost() noexcept
+{
+    if (host_ != nullptr) {
+        std::exchange(host_, nullptr)->leave(*this);
     }
 }
 

@@ -19,23 +19,38 @@ struct RenderSettings {
                              ///< further threads is welcome
 };
 
+class AudioNodeHost;
+
 /// A stage of the pull graph: the stage behind asks it for frames, and it asks the one before it.
-/// The engine owns the order of calls: prepare(), then render() any number of times.
+/// The engine owns the order of calls: prepare(), then render() any number of times; reset()
+/// between renders begins anew.
 class AudioNode {
 public:
     AudioNode() = default;
     AudioNode(const AudioNode&) = delete;
     AudioNode& operator=(const AudioNode&) = delete;
-    virtual ~AudioNode() = default;
+    virtual ~AudioNode();
+
+    /// Who is told what this node does; none for a node that stands alone. @thread CONTROL
+    void setHost(AudioNodeHost* host) noexcept { host_ = host; }
 
     /// Where render() takes its frames from; a node without input is a source.
     /// @thread CONTROL, while nothing renders
     void setInput(AudioNode* input) noexcept { input_ = input; }
+    [[nodiscard]] AudioNode* input() const noexcept { return input_; }
 
     /// Gets ready to render from the beginning on, and its input too. What render() needs is
     /// allocated here.
     /// @thread CONTROL, while nothing renders
     virtual void prepare(const RenderSettings& settings);
+
+    /// Gets ready to render from the beginning on once more, in the same way; the input too. A node
+    /// whose sound depends on what lies before wants to hear that first: frames from before the
+    /// beginning.
+    /// @param prerollFrames  how many of them to render first
+    /// @return how many there will be: fewer where the source has no more
+    /// @thread WORKER; no allocation
+    virtual std::uint32_t reset(std::uint32_t prerollFrames);
 
     /// Fills the first `frameCount` frames of `buffer` and sets its frameLength to it.
     /// Past the end of the music this is silence, never less.
@@ -45,13 +60,18 @@ public:
     virtual void render(AudioPCMBuffer& buffer, std::uint32_t frameCount) = 0;
 
 protected:
-    [[nodiscard]] AudioNode* input() const noexcept { return input_; }
+    [[nodiscard]] AudioNodeHost* host() const noexcept { return host_; }
+
+    /// Parts with the host; when this returns, nobody renders this node. The first act of a
+    /// destructor: rendering needs the whole node.
+    void leaveHost() noexcept;
 
     /// Renders the input, or silence where there is none.
     void renderInput(AudioPCMBuffer& buffer, std::uint32_t frameCount);
 
 private:
     AudioNode* input_ = nullptr;
+    AudioNodeHost* host_ = nullptr;
 };
 
 }  // namespace tonvale

@@ -19,7 +19,11 @@ constexpr std::uint32_t offlineChunkFrames = 16384;
 }  // namespace
 
 AudioUnitTimePitch::AudioUnitTimePitch() = default;
-AudioUnitTimePitch::~AudioUnitTimePitch() = default;
+
+AudioUnitTimePitch::~AudioUnitTimePitch()
+{
+    leaveHost();
+}
 
 void AudioUnitTimePitch::setRate(float rate) noexcept
 {
@@ -50,6 +54,22 @@ void AudioUnitTimePitch::prepare(const RenderSettings& settings)
     shiftedPlace_ = 0;
     inputChannels_.resize(format.channelCount);
     outputChannels_.resize(format.channelCount);
+}
+
+std::uint32_t AudioUnitTimePitch::reset(std::uint32_t prerollFrames)
+{
+    if (!shifter_) {
+        return AudioNode::reset(prerollFrames);
+    }
+    readAhead_.reset();
+    shifter_->reset();
+    shifted_->setFrameLength(0);
+    shiftedPlace_ = 0;
+    const std::uint32_t before =
+        AudioNode::reset(prerollFrames + static_cast<std::uint32_t>(shifter_->prerollFrames()));
+    const std::uint32_t wanted = std::min(prerollFrames, before);
+    framesToDrop_ = latencyFrames() + before - wanted;
+    return wanted;
 }
 
 void AudioUnitTimePitch::render(AudioPCMBuffer& buffer, std::uint32_t frameCount)

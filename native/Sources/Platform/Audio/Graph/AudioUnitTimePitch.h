@@ -42,6 +42,8 @@ public:
     [[nodiscard]] std::uint32_t latencyFrames() const noexcept;
 
     void prepare(const RenderSettings& settings) override;
+    /// Renders what lies before the beginning into the shifter, as much of it as has an influence.
+    std::uint32_t reset(std::uint32_t prerollFrames) override;
     void render(AudioPCMBuffer& buffer, std::uint32_t frameCount) override;
 
 private:
@@ -52,7 +54,7 @@ private:
     std::atomic<float> pitch_ = 0.0F;
     RenderSettings settings_;
     std::unique_ptr<timepitch::PitchShifter> shifter_;
-    std::uint32_t framesToDrop_ = 0;  // of the shifter's latency, still to come out
+    std::uint32_t framesToDrop_ = 0;  // of the shifter's latency and preroll, still to come out
     std::unique_ptr<AudioPCMBuffer> unshifted_;
     std::unique_ptr<AudioPCMBuffer> shifted_;
     std::uint32_t shiftedPlace_ = 0;  // how much of shifted_ was given away

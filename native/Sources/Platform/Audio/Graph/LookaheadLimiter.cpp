@@ -55,6 +55,19 @@ LookaheadLimiter::LookaheadLimiter(const AudioFormat& format, std::uint32_t maxi
 {
 }
 
+void LookaheadLimiter::reset() noexcept
+{
+    hold_.reset();
+    releasedGain_ = 1.0F;
+    std::ranges::fill(smoothing_, 1.0F);
+    smoothingPlace_ = 0;
+    smoothingSum_ = static_cast<double>(smoothing_.size());
+    reducedCount_ = 0;
+    for (std::vector<float>& past : pasts_) {
+        std::ranges::fill(past, 0.0F);
+    }
+}
+
 void LookaheadLimiter::process(AudioPCMBuffer& buffer) noexcept
 {
     const bool isUntouched = isAtRest() && peakOf(buffer) <= 1.0F;

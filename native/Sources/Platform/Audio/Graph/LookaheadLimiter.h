@@ -25,13 +25,16 @@ namespace tonvale {
 ///
 /// Method: hold, release and smoothing as in D. Giannoulis et al., "Digital dynamic range
 /// compressor design", JAES 60(6), 2012, with a feed-forward peak detector.
-/// @thread construction: CONTROL; process: WORKER, no allocation, no lock
+/// @thread construction: CONTROL; process and reset: WORKER, no allocation, no lock
 class LookaheadLimiter {
 public:
     LookaheadLimiter(const AudioFormat& format, std::uint32_t maximumFrameCount);
 
     /// How many frames the output lags behind the input.
     [[nodiscard]] std::uint32_t latencyFrames() const noexcept { return lookahead_; }
+
+    /// As after construction.
+    void reset() noexcept;
 
     /// Replaces the valid frames of `buffer` by those that went in latencyFrames() earlier;
     /// silence went in before the first. Samples leave in [-1, 1].

@@ -17,6 +17,9 @@ class SlidingMinimum {
 public:
     explicit SlidingMinimum(std::uint32_t windowLength);
 
+    /// As after construction.
+    void reset() noexcept { first_ = end_ = now_ = 0; }
+
     /// Appends a value of at most 1. @return the least of the window
     float push(float value) noexcept;
 
