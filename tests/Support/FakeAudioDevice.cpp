@@ -6,6 +6,9 @@
 
 #include "Platform/Foundation/PlatformError.h"
 
+#include <chrono>
+#include <span>
+
 namespace tonvale::test {
 
 namespace {
@@ -32,10 +35,17 @@ public:
     }
     [[nodiscard]] bool isRunning() const noexcept override { return device_.isRunning; }
     [[nodiscard]] AudioFormat format() const noexcept override { return device_.format; }
-    void discardQueued() noexcept override { ++device_.discardCount; }
-    void framesReady() noexcept override {}
-    [[nodiscard]] std::uint64_t underrunCount() const noexcept override { return 0; }
-    void setTitle(std::string_view /*title*/) override {}
+    void discardQueued() noexcept override
+    {
+        ++device_.discardCount;
+        device_.finishReads();
+    }
+    void framesReady() noexcept override { device_.framesReady(); }
+    [[nodiscard]] std::uint64_t underrunCount() const noexcept override
+    {
+        return device_.underrunCount;
+    }
+    void setTitle(std::string_view title) override { device_.title = title; }
 
 private:
     FakeAudioDevice& device_;
@@ -51,6 +61,53 @@ FakeAudioDevice::FakeAudioDevice()
 FakeAudioDevice::~FakeAudioDevice()
 {
     AudioOutput::replaceFactory({});
+}
+
+std::vector<float> FakeAudioDevice::pull(std::uint32_t frames)
+{
+    const std::scoped_lock lock(reading_);
+    std::vector<float> samples(std::size_t{frames} * format.channelCount);
+    const std::size_t count = source != nullptr ? source->read(samples) : 0;
+    samples.resize(count * format.channelCount);
+    return samples;
+}
+
+std::vector<float> FakeAudioDevice::pullAll(std::uint32_t frames)
+{
+    std::vector<float> samples;
+    std::uint64_t seen = readyCount();
+    for (;;) {
+        const auto missing =
+            frames - static_cast<std::uint32_t>(samples.size() / format.channelCount);
+        const std::vector<float> more = pull(missing);
+        samples.insert(samples.end(), more.begin(), more.end());
+        if (more.size() == std::size_t{missing} * format.channelCount) {
+            return samples;
+        }
+        std::unique_lock lock(mutex_);
+        if (!ready_.wait_for(lock, std::chrono::seconds(30), [&] { return readyCount_ != seen; })) {
+            return samples;
+        }
+        seen = readyCount_;
+    }
+}
+
+void FakeAudioDevice::finishReads()
+{
+    const std::scoped_lock lock(reading_);
+}
+
+void FakeAudioDevice::framesReady()
+{
+    const std::scoped_lock lock(mutex_);
+    ++readyCount_;
+    ready_.notify_all();
+}
+
+std::uint64_t FakeAudioDevice::readyCount()
+{
+    const std::scoped_lock lock(mutex_);
+    return readyCount_;
 }
 
 }  // namespace tonvale::test

@@ -127,6 +127,36 @@ TEST(LookaheadLimiter, ChangesItsGainSmoothly)
     }
 }
 
+TEST(LookaheadLimiter, ForgetsAPeakOfThreeDecibelsWithinItsPreroll)
+{
+    Signal signal(44100, 0.9F);
+    signal[10000] = 1.4F;
+    const std::size_t preroll = LookaheadLimiter(stereo, 1).prerollFrames();
+    const auto limited = limit(signal);
+    EXPECT_LT(limited[0][10000 + preroll / 2], 0.9F);
+    EXPECT_EQ(limited[0][10000 + preroll], 0.9F);
+}
+
+TEST(LookaheadLimiter, BeginsAnewWhenReset)
+{
+    LookaheadLimiter limiter(stereo, 256);
+    const auto buffer = AudioPCMBuffer::create(stereo, 256);
+    const auto process = [&](float level) {
+        buffer->setFrameLength(256);
+        std::ranges::fill(buffer->channel(0), level);
+        std::ranges::fill(buffer->channel(1), level);
+        limiter.process(*buffer);
+        return Signal(buffer->channel(0).begin(), buffer->channel(0).end());
+    };
+    (void)process(2.0F);
+    (void)process(0.5F);
+    limiter.reset();
+    Signal expected(256, 0.5F);
+    std::fill_n(expected.begin(), limiter.latencyFrames(), 0.0F);
+    EXPECT_EQ(process(0.5F), expected);
+    EXPECT_EQ(process(0.75F)[255], 0.75F);
+}
+
 TEST(LookaheadLimiter, DoesNotDependOnBlockSizes)
 {
     const Signal signal = sine(10000, 60, 1.3F);

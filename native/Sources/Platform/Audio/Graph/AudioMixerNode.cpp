@@ -18,11 +18,14 @@ void AudioMixerNode::prepare(const RenderSettings& settings)
 
 std::uint32_t AudioMixerNode::reset(std::uint32_t prerollFrames)
 {
-    if (limiter_) {
-        limiter_->reset();
-        framesToRunAhead_ = limiter_->latencyFrames();
+    if (!limiter_) {
+        return AudioNode::reset(prerollFrames);
     }
-    return AudioNode::reset(prerollFrames);
+    limiter_->reset();
+    const std::uint32_t before = AudioNode::reset(prerollFrames + limiter_->prerollFrames());
+    const std::uint32_t wanted = std::min(prerollFrames, before);
+    framesToRunAhead_ = limiter_->latencyFrames() + before - wanted;
+    return wanted;
 }
 
 void AudioMixerNode::render(AudioPCMBuffer& buffer, std::uint32_t frameCount)

@@ -18,6 +18,8 @@ namespace tonvale {
 class AudioMixerNode final : public AudioNode {
 public:
     void prepare(const RenderSettings& settings) override;
+    /// Lets the limiter hear what lies before the beginning, as much of it as can hold the level
+    /// down there.
     std::uint32_t reset(std::uint32_t prerollFrames) override;
     void render(AudioPCMBuffer& buffer, std::uint32_t frameCount) override;
 

@@ -55,6 +55,12 @@ LookaheadLimiter::LookaheadLimiter(const AudioFormat& format, std::uint32_t maxi
 {
 }
 
+std::uint32_t LookaheadLimiter::prerollFrames() const noexcept
+{
+    constexpr float reduction = 0.3F;  // a little over 3 dB
+    return 2 * lookahead_ + static_cast<std::uint32_t>(reduction / releasePerFrame_);
+}
+
 void LookaheadLimiter::reset() noexcept
 {
     hold_.reset();

@@ -33,6 +33,10 @@ public:
     /// How many frames the output lags behind the input.
     [[nodiscard]] std::uint32_t latencyFrames() const noexcept { return lookahead_; }
 
+    /// Frames before a position whose peaks can still hold the level down there, unless one
+    /// exceeded full scale by more than 3 dB.
+    [[nodiscard]] std::uint32_t prerollFrames() const noexcept;
+
     /// As after construction.
     void reset() noexcept;
 
