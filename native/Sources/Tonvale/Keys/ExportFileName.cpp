@@ -4,6 +4,8 @@
 
 #include "Tonvale/Keys/ExportFileName.h"
 
+#include "Platform/Foundation/FileName.h"
+
 #include <string>
 
 namespace tonvale {
@@ -11,7 +13,7 @@ namespace tonvale {
 std::filesystem::path defaultExportFileName(const std::filesystem::path& forFile, MusicKey target)
 {
     // The bytes of the name pass through untouched, whatever their encoding.
-    std::filesystem::path name = forFile.stem();
+    std::filesystem::path name = FileName::deletingPathExtension(forFile);
     name += " - Key of " + std::string(target.fileNameComponent()) + ".wav";
     return name;
 }
