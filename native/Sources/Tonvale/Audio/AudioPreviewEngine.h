@@ -49,6 +49,8 @@ public:
     [[nodiscard]] double duration() const;
 
 private:
+    friend struct AudioPreviewEngineInternals;  // for the tests
+
     AudioEngine engine_;
     AudioPlayerNode player_;
     AudioUnitTimePitch pitchUnit_;
