@@ -5,12 +5,14 @@
 #include "Support/ProcessState.h"
 
 #include <fcntl.h>
+#include <malloc.h>
 
 #include <cerrno>
 #include <chrono>
 #include <csignal>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <system_error>
 #include <thread>
 
@@ -52,6 +54,18 @@ std::map<int, std::string> openDescriptors()
     // The iteration's own descriptor was listed too and is closed by now.
     std::erase_if(descriptors, [](const auto& item) { return ::fcntl(item.first, F_GETFD) < 0; });
     return descriptors;
+}
+
+std::size_t threadCount()
+{
+    const std::filesystem::directory_iterator tasks("/proc/self/task");
+    return static_cast<std::size_t>(std::distance(begin(tasks), end(tasks)));
+}
+
+std::size_t heapBytesInUse()
+{
+    const auto usage = ::mallinfo2();
+    return usage.uordblks + usage.hblkhd;
 }
 
 }  // namespace tonvale::test

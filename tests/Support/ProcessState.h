@@ -6,6 +6,7 @@
 
 #include <sys/types.h>
 
+#include <cstddef>
 #include <functional>
 #include <map>
 #include <string>
@@ -23,5 +24,11 @@ namespace tonvale::test {
 
 /// Our own open descriptors, with the file each stands for.
 [[nodiscard]] std::map<int, std::string> openDescriptors();
+
+/// Our own threads, the caller's included.
+[[nodiscard]] std::size_t threadCount();
+
+/// What is allocated and not freed, as the C library counts it; not with a sanitizer's allocator.
+[[nodiscard]] std::size_t heapBytesInUse();
 
 }  // namespace tonvale::test

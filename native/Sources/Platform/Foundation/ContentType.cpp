@@ -16,6 +16,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 
 namespace tonvale {
 
@@ -23,21 +24,37 @@ namespace {
 
 constexpr QLatin1StringView audioPrefix("audio/");
 
+template <std::size_t count>
+bool contains(const std::array<QLatin1StringView, count>& names, const QString& name)
+{
+    return std::ranges::find(names, name) != names.end();
+}
+
+/// Lists of songs are filed under sound, too; most of them are text, or say so.
+bool isPlayList(const QMimeType& type)
+{
+    static constexpr std::array playLists{
+        QLatin1StringView("audio/x-mpegurl"), QLatin1StringView("audio/x-scpls"),
+        QLatin1StringView("audio/x-ms-asx"), QLatin1StringView("audio/x-iriver-pla")};
+    return type.inherits(QStringLiteral("text/plain")) || contains(playLists, type.name());
+}
+
 bool isAudio(const QMimeType& type)
 {
-    return type.name().startsWith(audioPrefix) && !type.inherits(QStringLiteral("text/plain"));
+    return type.name().startsWith(audioPrefix) && !isPlayList(type);
 }
 
 /// Whether such files hold sound or pictures, which their first bytes do not tell.
 bool isContainer(const QString& type)
 {
     static constexpr std::array containers{
-        QLatin1StringView("video/mp4"),        QLatin1StringView("application/ogg"),
-        QLatin1StringView("video/webm"),       QLatin1StringView("application/x-matroska"),
-        QLatin1StringView("video/x-matroska"), QLatin1StringView("application/vnd.ms-asf"),
-        QLatin1StringView("video/x-ms-asf"),
+        QLatin1StringView("video/mp4"),        QLatin1StringView("video/quicktime"),
+        QLatin1StringView("video/3gpp"),       QLatin1StringView("video/3gpp2"),
+        QLatin1StringView("application/ogg"),  QLatin1StringView("video/webm"),
+        QLatin1StringView("video/x-matroska"), QLatin1StringView("application/x-matroska"),
+        QLatin1StringView("video/x-ms-asf"),   QLatin1StringView("application/vnd.ms-asf"),
     };
-    return std::ranges::find(containers, type) != containers.end();
+    return contains(containers, type);
 }
 
 QString audioTypeOfName(const std::filesystem::path& file)
