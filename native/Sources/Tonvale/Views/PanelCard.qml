@@ -1,0 +1,38 @@
+// SPDX-FileCopyrightText: 2026 The Tonvale Authors
+//
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+import QtQuick
+import QtQuick.Layouts
+import Tonvale.Views
+
+/// The look of the track, keys and preview panels: their parts below each other on a raised card.
+Item {
+    default property alias content: column.data
+
+    implicitWidth: column.implicitWidth + 36
+    implicitHeight: column.implicitHeight + 36
+
+    PanelShadow {
+        x: -reach
+        y: 12 - reach
+        width: parent.width + 2 * reach
+        height: parent.height + 2 * reach
+        radius: Theme.radius
+        blurRadius: 24
+        color: Theme.shadow(0.08)
+    }
+
+    Rectangle {
+        anchors.fill: parent
+        radius: Theme.radius
+        color: Theme.material
+    }
+
+    ColumnLayout {
+        id: column
+        anchors.fill: parent
+        anchors.margins: 18
+        spacing: 14
+    }
+}

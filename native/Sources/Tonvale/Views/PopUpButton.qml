@@ -1,0 +1,132 @@
+// SPDX-FileCopyrightText: 2026 The Tonvale Authors
+//
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import QtQuick.Templates as T
+import Tonvale.Views
+import "EntrySearch.js" as EntrySearch
+
+/// A button that shows the chosen entry of a list and opens the list over itself. Typing finds an
+/// entry, in the closed button and in the open list.
+T.ComboBox {
+    id: root
+
+    property string typed
+
+    implicitWidth: 150
+    implicitHeight: 24
+    leftPadding: 9
+    rightPadding: 22
+    font: Theme.control
+    hoverEnabled: true
+    wheelEnabled: false
+    focusPolicy: Qt.StrongFocus
+
+    Accessible.role: Accessible.ComboBox
+    Accessible.description: displayText
+
+    function goTo(index: int): void {
+        if (!popup.visible)
+            activated(index);
+        for (; popup.visible && highlightedIndex < index;)
+            incrementCurrentIndex();
+        for (; popup.visible && highlightedIndex > index;)
+            decrementCurrentIndex();
+    }
+
+    Keys.onPressed: event => {
+        const isText = /^[^\x00-\x1f\x7f]$/.test(event.text) && !(event.modifiers & (Qt.ControlModifier | Qt.AltModifier));
+        if (!isText || (event.text === " " && typed === ""))
+            return;
+        event.accepted = true;
+        typed += event.text;
+        forget.restart();
+        const index = EntrySearch.indexOf(model.map(entry => entry[textRole]), typed);
+        if (index >= 0)
+            goTo(index);
+    }
+    // A blank that was typed must not open the list when its key comes up.
+    Keys.onReleased: event => event.accepted = event.key === Qt.Key_Space && typed !== ""
+
+    Timer {
+        id: forget
+        interval: 1000
+        onTriggered: root.typed = ""
+    }
+
+    contentItem: PlainLabel {
+        text: root.displayText
+        font: root.font
+        verticalAlignment: Text.AlignVCenter
+        elide: Text.ElideRight
+    }
+
+    indicator: SymbolImage {
+        x: root.width - width - 7
+        y: Math.round((root.height - height) / 2)
+        name: "chevron.up.chevron.down"
+        fontSize: 10
+        color: Theme.secondary
+    }
+
+    background: PushButtonGround {
+        control: root
+        isDown: root.down
+    }
+
+    delegate: PopUpEntry {
+        required property int index
+        required property var modelData
+
+        width: ListView.view.width
+        text: modelData[root.textRole]
+        isChosen: index === root.currentIndex
+        highlighted: index === root.highlightedIndex
+    }
+
+    popup: T.Popup {
+        // The chosen entry lies over the button, text over text.
+        x: -20
+        y: -5 - 24 * Math.max(0, root.currentIndex)
+        width: root.width + 20
+        height: Math.min(list.contentHeight + 10, root.Window.height - 12)
+        margins: 6
+        padding: 5
+
+        onOpened: list.positionViewAtIndex(root.currentIndex, ListView.Center)
+
+        contentItem: ListView {
+            id: list
+            clip: true
+            model: root.delegateModel
+            currentIndex: root.highlightedIndex
+            highlightMoveDuration: 0
+            boundsBehavior: Flickable.StopAtBounds
+
+            Accessible.role: Accessible.List
+            Accessible.name: root.Accessible.name
+        }
+
+        background: Item {
+            PanelShadow {
+                x: -reach
+                y: 4 - reach
+                width: parent.width + 2 * reach
+                height: parent.height + 2 * reach
+                radius: Theme.radius
+                blurRadius: 16
+                color: Theme.shadow(0.25)
+            }
+
+            Rectangle {
+                anchors.fill: parent
+                radius: Theme.radius
+                color: Theme.popUpBackground
+                border.color: Theme.separator
+            }
+        }
+    }
+}

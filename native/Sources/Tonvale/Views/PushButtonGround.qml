@@ -1,0 +1,64 @@
+// SPDX-FileCopyrightText: 2026 The Tonvale Authors
+//
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+import QtQuick
+import QtQuick.Templates as T
+import Tonvale.Views
+
+/// What a button's label stands on, in every state of the button.
+Item {
+    id: root
+
+    required property T.Control control
+    required property bool isDown
+    property bool isProminent: false
+
+    PanelShadow {
+        visible: root.control.enabled
+        x: -reach
+        y: 1 - reach
+        width: parent.width + 2 * reach
+        height: parent.height + 2 * reach
+        radius: Theme.controlRadius
+        blurRadius: 3
+        color: Theme.shadow(0.1)
+    }
+
+    Rectangle {
+        anchors.fill: parent
+        radius: Theme.controlRadius
+        visible: !root.isProminent
+        opacity: root.control.enabled ? 1 : 0.5
+        color: Theme.buttonEdge
+        gradient: Gradient {
+            GradientStop { position: 0; color: Theme.buttonEdge }
+            GradientStop { position: 1; color: Theme.buttonEdgeBelow }
+        }
+
+        Rectangle {
+            anchors.fill: parent
+            anchors.margins: 1
+            radius: Theme.controlRadius - 1
+            color: Theme.button
+        }
+    }
+
+    Rectangle {
+        anchors.fill: parent
+        radius: Theme.controlRadius
+        visible: root.isProminent
+        color: root.control.enabled ? Theme.accent : Theme.disabledAccent
+    }
+
+    Rectangle {
+        anchors.fill: parent
+        radius: Theme.controlRadius
+        visible: root.control.enabled && (root.isDown || root.control.hovered)
+        color: root.isDown ? Theme.pressed : Theme.hovered
+    }
+
+    FocusRing {
+        visible: root.control.visualFocus
+    }
+}

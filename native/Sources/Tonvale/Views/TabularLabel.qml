@@ -1,0 +1,47 @@
+// SPDX-FileCopyrightText: 2026 The Tonvale Authors
+//
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+import QtQuick
+
+/// A text whose digits are all equally wide, so that it stands still while they change.
+Item {
+    id: root
+
+    required property string text
+    property font font: Theme.caption
+    property color color: Theme.text
+
+    readonly property real digitWidth: Math.ceil(Math.max(...Array.from("0123456789", digit => metrics.advanceWidth(digit))))
+
+    implicitWidth: characters.implicitWidth
+    implicitHeight: Math.ceil(metrics.height)
+
+    Accessible.role: Accessible.StaticText
+    Accessible.name: text
+
+    FontMetrics {
+        id: metrics
+        font: root.font
+    }
+
+    Row {
+        id: characters
+
+        Repeater {
+            model: root.text.length
+
+            PlainLabel {
+                required property int index
+                readonly property bool isDigit: text >= "0" && text <= "9"
+
+                width: isDigit ? root.digitWidth : implicitWidth
+                horizontalAlignment: Text.AlignHCenter
+                text: root.text.charAt(index)
+                font: root.font
+                color: root.color
+                Accessible.ignored: true
+            }
+        }
+    }
+}
