@@ -76,6 +76,11 @@ T.Slider {
     Accessible.onIncreaseAction: if (enabled) editTo(value + step)
     Accessible.onDecreaseAction: if (enabled) editTo(value - step)
 
+    // A screen reader sets the value without a word to the model.
+    onValueChanged: {
+        if (!pressed && value !== Math.max(from, Math.min(to, model.currentTime)))
+            editTo(value);
+    }
     onMoved: model.setTimelinePreview(value)
     onPressedChanged: model.timelineEditingChanged(pressed)
     onActiveFocusChanged: if (!activeFocus) releaseKey()

@@ -1,0 +1,42 @@
+// SPDX-FileCopyrightText: 2026 The Tonvale Authors
+//
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "Tonvale/Views/Views.h"
+#include "Views/AccessibleReader.h"
+#include "Views/DragSimulator.h"
+#include "Views/KeySimulator.h"
+#include "Views/PlainIcon.h"
+
+#include <QQmlEngine>
+#include <QtQuickTest>
+
+namespace {
+
+/// Gives the tests what the application gives the views, and hands for what a test case has none.
+class ViewTestSetup : public QObject {
+    Q_OBJECT
+
+public slots:
+    void qmlEngineAvailable(QQmlEngine* engine)
+    {
+        tonvale::addViews(*engine);
+        engine->addImageProvider(QStringLiteral("artwork"), new tonvale::PlainIcon);
+        qmlRegisterType<tonvale::AccessibleReader>("Tonvale.ViewTests", 1, 0, "AccessibleReader");
+        qmlRegisterType<tonvale::DragSimulator>("Tonvale.ViewTests", 1, 0, "DragSimulator");
+        qmlRegisterType<tonvale::KeySimulator>("Tonvale.ViewTests", 1, 0, "KeySimulator");
+    }
+};
+
+}  // namespace
+
+/// Runs tests/Views/tst_*.qml without a display.
+int main(int argc, char** argv)
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    qputenv("QT_QUICK_BACKEND", "software");
+    ViewTestSetup setup;
+    return quick_test_main_with_setup(argc, argv, "view-tests", TONVALE_VIEW_TESTS, &setup);
+}
+
+#include "ViewTests.moc"
