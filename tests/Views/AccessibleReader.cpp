@@ -63,11 +63,6 @@ bool withThing(QQuickWindow* window, const QString& role, const QString& name,
 
 }  // namespace
 
-AccessibleReader::AccessibleReader()
-{
-    QAccessible::setActive(true);
-}
-
 QVariantList AccessibleReader::entries(QQuickWindow* window) const
 {
     QVariantList list;

@@ -17,8 +17,6 @@ class AccessibleReader : public QObject {
     Q_OBJECT
 
 public:
-    AccessibleReader();
-
     /// Everything visible with a role of its own, in order, each as { role, name, description,
     /// value, minimum, maximum }; the last three only where there is a value.
     Q_INVOKABLE [[nodiscard]] QVariantList entries(QQuickWindow* window) const;

@@ -47,6 +47,17 @@ TestCase {
         return reader.entries(root.Window.window).map(entry => entry.role + " " + entry.name);
     }
 
+    /// What is drawn where `item` lies. Darkness is how much black there is over the white ground of
+    /// the tests, 0 to 255.
+    function pictureOf(item) {
+        const picture = grabImage(root);
+        const place = item.mapToItem(root, 0, 0);
+        return {
+            pixel: (x, y) => picture.pixel(place.x + x, place.y + y),
+            darkness: (x, y) => 255 - picture.red(place.x + x, place.y + y),
+        };
+    }
+
     function calls() {
         return model.calls.join(", ");
     }

@@ -11,6 +11,10 @@
 #include <QQmlEngine>
 #include <QtQuickTest>
 
+#include <private/qguiapplication_p.h>
+#include <qpa/qplatformaccessibility.h>
+#include <qpa/qplatformintegration.h>
+
 namespace {
 
 /// Gives the tests what the application gives the views, and hands for what a test case has none.
@@ -18,6 +22,12 @@ class ViewTestSetup : public QObject {
     Q_OBJECT
 
 public slots:
+    void applicationAvailable()
+    {
+        // Somebody listens, as on a desktop with a screen reader; this platform has none.
+        QGuiApplicationPrivate::platformIntegration()->accessibility()->setActive(true);
+    }
+
     void qmlEngineAvailable(QQmlEngine* engine)
     {
         tonvale::addViews(*engine);

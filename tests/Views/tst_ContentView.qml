@@ -179,7 +179,7 @@ ViewTestCase {
         const wasDark = Theme.isDark;
         Theme.isDark = data.isDark;
         init_view(states.shifted);
-        const picture = grabImage(view);
+        const picture = pictureOf(view);
         compare(Qt.color(picture.pixel(10, 300)), Theme.windowBackground);
         compare(Qt.color(picture.pixel(60, 300)), Theme.material);
         Theme.isDark = wasDark;

@@ -43,6 +43,7 @@ ViewTestCase {
     function open() {
         mouseClick(button);
         tryCompare(button.popup, "opened", true);
+        waitForRendering(list());
     }
 
     function type(text) {
@@ -123,6 +124,20 @@ ViewTestCase {
         keyClick(Qt.Key_Return);
         compare(model.targetKey, "cMajor");
         compare(chosen.count, 1);
+    }
+
+    function test_a_screen_reader_chooses() {
+        init_view();
+        const window = root.Window.window;
+        verify(reader.act(window, "ComboBox", "New key", "Press"));
+        tryCompare(button.popup, "opened", true);
+        verify(reader.act(window, "ListItem", "F# / Gb major", "Press"));
+        compare(model.targetKey, "fSharpMajor");
+        compare(chosen.count, 1);
+        tryCompare(button.popup, "visible", false);
+        reader.act(window, "ComboBox", "New key", "Press");
+        reader.act(window, "ComboBox", "New key", "Press");
+        tryCompare(button.popup, "visible", false);
     }
 
     function test_escape_leaves_the_key_as_it_is() {

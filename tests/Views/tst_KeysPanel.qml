@@ -53,7 +53,7 @@ ViewTestCase {
         compare(box.color, Theme.textBackground);
         compare(box.width, 360);
         compare([figure.font.pixelSize, figure.font.family], [58, "Nunito Black"]);
-        compare(figure.color, Theme.faded(Theme.red, 0.78));
+        compare(String(figure.color), String(Theme.faded(Theme.red, 0.78)));
         compare(figure.mapToItem(box, figure.width, 0).x, 360 - 16);
         const description = find(view, { text: "Down 2 semitones." });
         const cents = find(view, { text: "Pitch shift -200 cents" });

@@ -15,7 +15,9 @@ ViewTestCase {
     }
 
     function make(text) {
-        return createTemporaryObject(component, root, { text: text });
+        const label = createTemporaryObject(component, root, { text: text });
+        waitForRendering(label);
+        return label;
     }
 
     function test_all_digits_are_equally_wide() {
@@ -28,7 +30,7 @@ ViewTestCase {
     function test_no_digit_is_cut() {
         for (const digit of "0123456789") {
             const character = find(make(digit), { text: digit });
-            verify(character.implicitWidth <= character.width, digit);
+            verify(character.implicitWidth <= character.width, `${digit}: ${character.implicitWidth} in ${character.width}`);
         }
     }
 

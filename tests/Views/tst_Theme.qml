@@ -62,8 +62,8 @@ ViewTestCase {
             ["pressed button", t.text, button(t.pressed), 4.5],
             ["picker's arrows", t.secondary, t.button, 3],
             ["prominent button", t.accentText, t.accent, 4.5],
-            ["hovered prominent button", t.accentText, accent(t.hovered), 4.5],
-            ["pressed prominent button", t.accentText, accent(t.pressed), 4.5],
+            ["hovered prominent button", t.accentText, accent(t.hoveredAccent), 4.5],
+            ["pressed prominent button", t.accentText, accent(t.pressedAccent), 4.5],
             ["list entry", t.text, t.popUpBackground, 4.5],
             ["highlighted list entry", t.accentText, t.accent, 4.5],
             ["focus ring on a panel", t.focus, t.material, 3],
@@ -94,10 +94,11 @@ ViewTestCase {
 
     function test_the_scheme_is_followed_at_once() {
         Theme.isDark = false;
-        const light = Theme.windowBackground;
+        verify(Theme.windowBackground.hslLightness > 0.8);
+        verify(Theme.text.hslLightness < 0.2);
         Theme.isDark = true;
-        verify(Theme.windowBackground.hslLightness < light.hslLightness);
-        verify(Theme.text.hslLightness > 0.5);
+        verify(Theme.windowBackground.hslLightness < 0.2);
+        verify(Theme.text.hslLightness > 0.8);
     }
 
     function test_the_faces_are_there() {

@@ -27,6 +27,7 @@ T.ComboBox {
 
     Accessible.role: Accessible.ComboBox
     Accessible.description: displayText
+    Accessible.onPressAction: popup.visible ? popup.close() : popup.open()
 
     function goTo(index: int): void {
         if (!popup.visible)
@@ -104,6 +105,7 @@ T.ComboBox {
             model: root.delegateModel
             currentIndex: root.highlightedIndex
             highlightMoveDuration: 0
+            cacheBuffer: 10000 // a screen reader hears of the entries that exist
             boundsBehavior: Flickable.StopAtBounds
 
             Accessible.role: Accessible.List

@@ -20,6 +20,7 @@ T.ItemDelegate {
 
     Accessible.role: Accessible.ListItem
     Accessible.name: text
+    Accessible.onPressAction: clicked()
 
     contentItem: PlainLabel {
         text: root.text

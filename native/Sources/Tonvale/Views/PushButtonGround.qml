@@ -55,7 +55,7 @@ Item {
         anchors.fill: parent
         radius: Theme.controlRadius
         visible: root.control.enabled && (root.isDown || root.control.hovered)
-        color: root.isDown ? Theme.pressed : Theme.hovered
+        color: root.isProminent ? (root.isDown ? Theme.pressedAccent : Theme.hoveredAccent) : (root.isDown ? Theme.pressed : Theme.hovered)
     }
 
     FocusRing {

@@ -85,12 +85,12 @@ Symbol stopFill()
 QPainterPath fifteen()
 {
     QPainterPath path;
-    addLine(path, {{7.7, 11}, {9.4, 9.7}, {9.4, 16.5}});
-    path.moveTo(16.1, 9.7);
-    path.lineTo(12.9, 9.7);
-    path.lineTo(12.6, 12.7);
-    path.cubicTo(14.2, 11.6, 16.5, 12.3, 16.5, 14.4);
-    path.cubicTo(16.5, 16.9, 13.4, 17.2, 12.2, 15.6);
+    addLine(path, {{7.6, 11.3}, {9.3, 10}, {9.3, 16.8}});
+    path.moveTo(16, 10);
+    path.lineTo(12.8, 10);
+    path.lineTo(12.5, 13);
+    path.cubicTo(14.1, 11.9, 16.4, 12.6, 16.4, 14.7);
+    path.cubicTo(16.4, 17.2, 13.3, 17.5, 12.1, 15.9);
     return path;
 }
 
@@ -98,11 +98,11 @@ QPainterPath fifteen()
 Symbol goBackward15()
 {
     Symbol symbol;
-    constexpr qreal radius = 9.3;
-    const QRectF circle(12 - radius, 13 - radius, 2 * radius, 2 * radius);
+    constexpr qreal radius = 8.9;
+    const QRectF circle(12 - radius, 13.3 - radius, 2 * radius, 2 * radius);
     symbol.lines.arcMoveTo(circle, 90);
     symbol.lines.arcTo(circle, 90, -318);
-    addLine(symbol.lines, {{14.9, 0.9}, {11.9, 3.7}, {14.9, 6.5}});
+    addLine(symbol.lines, {{14.7, 1.6}, {11.9, 4.4}, {14.7, 7.2}});
     symbol.fineLines = fifteen();
     symbol.lineWidth = 1.6;
     return symbol;

@@ -12,17 +12,21 @@ Item {
     property font font: Theme.caption
     property color color: Theme.text
 
-    readonly property real digitWidth: Math.ceil(Math.max(...Array.from("0123456789", digit => metrics.advanceWidth(digit))))
+    readonly property real digitWidth: Math.ceil(digits.implicitWidth)
 
     implicitWidth: characters.implicitWidth
-    implicitHeight: Math.ceil(metrics.height)
+    implicitHeight: Math.ceil(characters.implicitHeight)
 
     Accessible.role: Accessible.StaticText
     Accessible.name: text
 
-    FontMetrics {
-        id: metrics
+    // As wide as the widest digit.
+    PlainLabel {
+        id: digits
+        visible: false
+        text: Array.from("0123456789").join("\n")
         font: root.font
+        Accessible.ignored: true
     }
 
     Row {

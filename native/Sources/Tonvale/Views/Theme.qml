@@ -41,6 +41,8 @@ QtObject {
     readonly property color disabledText: faded(text, isDark ? 0.36 : 0.38)
     readonly property color hovered: isDark ? "#0fffffff" : "#0b000000"
     readonly property color pressed: isDark ? "#21ffffff" : "#1c000000"
+    readonly property color hoveredAccent: isDark ? "#0affffff" : "#12000000"
+    readonly property color pressedAccent: isDark ? "#33000000" : "#30000000"
     readonly property color track: isDark ? "#4b4c52" : "#dadae0"
     readonly property color knob: isDark ? "#e9e9ec" : "#ffffff"
     readonly property color knobEdge: isDark ? "#00000000" : "#c4c4cb"
