@@ -21,8 +21,8 @@ namespace {
 using tonvale::DragSimulator;
 
 constexpr QPointF dropPoint(200, 250);
-constexpr QPoint sliderPoint(600, 440);
-constexpr QPoint pickerPoint(500, 180);
+constexpr QPoint sliderPoint(567, 476);
+constexpr QPoint pickerPoint(500, 181);
 
 /// What the mouse and the keys do in some of the states. @return what undoes it
 void enterState(QQuickView& view, DragSimulator& drag, const QString& name)

@@ -8,6 +8,8 @@
 #include "Views/KeySimulator.h"
 #include "Views/PlainIcon.h"
 
+#include <QDir>
+#include <QFileInfo>
 #include <QQmlEngine>
 #include <QtQuickTest>
 
@@ -38,6 +40,16 @@ public slots:
     }
 };
 
+/// Makes the folders of the reports that are asked for with "-o FILE,FORMAT".
+void makeReportFolders(const QStringList& arguments)
+{
+    for (qsizetype i = 1; i < arguments.size(); ++i) {
+        if (arguments[i - 1] == QLatin1String("-o")) {
+            QDir().mkpath(QFileInfo(arguments[i].section(QLatin1Char(','), 0, 0)).path());
+        }
+    }
+}
+
 }  // namespace
 
 /// Runs tests/Views/tst_*.qml without a display.
@@ -45,6 +57,7 @@ int main(int argc, char** argv)
 {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     qputenv("QT_QUICK_BACKEND", "software");
+    makeReportFolders(QStringList(argv, argv + argc));
     ViewTestSetup setup;
     return quick_test_main_with_setup(argc, argv, "view-tests", TONVALE_VIEW_TESTS, &setup);
 }
