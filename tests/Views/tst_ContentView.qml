@@ -171,6 +171,32 @@ ViewTestCase {
         compare(calls(), "");
     }
 
+    function test_the_space_bar_plays_after_a_key_was_chosen_with_the_mouse() {
+        init_view(states.loaded);
+        model.fileLoaded();
+        const picker = find(view, { textRole: "name" });
+        mouseClick(picker);
+        tryCompare(picker.popup, "opened", true);
+        compare(picker.activeFocus, true);
+        keyClick("e");
+        keyClick(Qt.Key_Return);
+        tryCompare(picker.popup, "visible", false);
+        compare(model.sourceKey, "eMajor");
+        keyClick(Qt.Key_Space);
+        compare(calls(), "playPreview");
+    }
+
+    function test_the_focus_stays_on_a_picker_that_was_opened_with_the_keyboard() {
+        init_view(states.loaded);
+        const picker = find(view, { textRole: "name" });
+        picker.forceActiveFocus(Qt.TabFocusReason);
+        keyClick(Qt.Key_Space);
+        tryCompare(picker.popup, "opened", true);
+        keyClick(Qt.Key_Escape);
+        tryCompare(picker.popup, "visible", false);
+        compare(picker.activeFocus, true);
+    }
+
     function test_both_schemes_are_drawn_data() {
         return [{ tag: "light", isDark: false }, { tag: "dark", isDark: true }];
     }

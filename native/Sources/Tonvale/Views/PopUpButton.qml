@@ -15,6 +15,8 @@ T.ComboBox {
     id: root
 
     property string typed
+    /// Where the focus stood before the mouse opened the list.
+    property Item focusedBefore: null
 
     implicitWidth: 150
     implicitHeight: 24
@@ -23,7 +25,7 @@ T.ComboBox {
     font: Theme.control
     hoverEnabled: true
     wheelEnabled: false
-    focusPolicy: Qt.StrongFocus
+    focusPolicy: Qt.TabFocus
 
     Accessible.role: Accessible.ComboBox
     Accessible.description: displayText
@@ -97,6 +99,18 @@ T.ComboBox {
         margins: 6
         padding: 5
 
+        // The list needs the keys while it is open; afterwards the space bar means what it meant.
+        onAboutToShow: {
+            if (root.activeFocus)
+                return;
+            root.focusedBefore = root.Window.activeFocusItem;
+            root.forceActiveFocus(Qt.PopupFocusReason);
+        }
+        onClosed: {
+            if (root.focusedBefore && root.activeFocus)
+                root.focusedBefore.forceActiveFocus(Qt.ShortcutFocusReason);
+            root.focusedBefore = null;
+        }
         onOpened: list.positionViewAtIndex(root.currentIndex, ListView.Center)
 
         contentItem: ListView {

@@ -30,18 +30,9 @@ Item {
         radius: Theme.controlRadius
         visible: !root.isProminent
         opacity: root.control.enabled ? 1 : 0.5
-        color: Theme.buttonEdge
-        gradient: Gradient {
-            GradientStop { position: 0; color: Theme.buttonEdge }
-            GradientStop { position: 1; color: Theme.buttonEdgeBelow }
-        }
-
-        Rectangle {
-            anchors.fill: parent
-            anchors.margins: 1
-            radius: Theme.controlRadius - 1
-            color: Theme.button
-        }
+        color: Theme.button
+        border.width: 1
+        border.color: Theme.buttonEdge
     }
 
     Rectangle {

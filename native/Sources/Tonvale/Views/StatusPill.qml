@@ -32,7 +32,7 @@ Item {
         verticalAlignment: Text.AlignVCenter
         visible: root.text !== ""
         text: root.text
-        font: Theme.caption
+        font: Theme.pill
         color: root.color
         elide: Text.ElideRight
     }

@@ -12,7 +12,7 @@ Item {
     property font font: Theme.caption
     property color color: Theme.text
 
-    readonly property real digitWidth: Math.ceil(digits.implicitWidth)
+    readonly property real digitWidth: Math.round(digits.implicitWidth)
 
     implicitWidth: characters.implicitWidth
     implicitHeight: Math.ceil(characters.implicitHeight)

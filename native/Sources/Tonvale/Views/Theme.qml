@@ -35,8 +35,7 @@ QtObject {
     readonly property color accentText: "#ffffff"
     readonly property color focus: isDark ? "#6db3ff" : "#0a6fe0"
     readonly property color button: isDark ? "#43444a" : "#ffffff"
-    readonly property color buttonEdge: isDark ? "#55565d" : "#cfcfd5"
-    readonly property color buttonEdgeBelow: isDark ? "#3a3b40" : "#bdbdc5"
+    readonly property color buttonEdge: isDark ? "#505158" : "#c8c8cf"
     readonly property color disabledAccent: faded(text, isDark ? 0.11 : 0.09)
     readonly property color disabledText: faded(text, isDark ? 0.36 : 0.38)
     readonly property color hovered: isDark ? "#0fffffff" : "#0b000000"
@@ -56,7 +55,8 @@ QtObject {
     readonly property font body: Qt.font({ family: family, pixelSize: 13 })
     readonly property font control: Qt.font({ family: family, pixelSize: 13, weight: Font.Medium })
     readonly property font callout: Qt.font({ family: family, pixelSize: 12 })
-    readonly property font caption: Qt.font({ family: family, pixelSize: 10, weight: Font.Medium })
+    readonly property font caption: Qt.font({ family: family, pixelSize: 10 })
+    readonly property font pill: Qt.font({ family: family, pixelSize: 10, weight: Font.Medium })
     readonly property font figure: Qt.font({ family: figureLoader.font.family, pixelSize: 58, weight: Font.Black })
     readonly property FontLoader figureLoader: FontLoader {
         source: "Fonts/nunito-latin-900-normal.woff"
