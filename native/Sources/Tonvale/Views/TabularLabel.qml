@@ -4,6 +4,8 @@
 
 pragma ComponentBehavior: Bound
 
+pragma ComponentBehavior: Bound
+
 import QtQuick
 
 /// A text whose digits are all equally wide, so that it stands still while they change.
