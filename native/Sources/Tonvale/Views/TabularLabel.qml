@@ -4,8 +4,6 @@
 
 pragma ComponentBehavior: Bound
 
-pragma ComponentBehavior: Bound
-
 import QtQuick
 
 /// A text whose digits are all equally wide, so that it stands still while they change.
