@@ -59,7 +59,7 @@ Item {
         PushButton {
             text: root.model.convertButtonTitle
             isProminent: true
-            longestText: "Convert to Bb"
+            longestText: "Convert to C#"
             enabled: root.model.hasAudio && !root.model.isExporting
             // The save panel must not open inside the press: a screen reader would wait for it.
             onClicked: Qt.callLater(root.model.chooseExportLocationAndRender)
