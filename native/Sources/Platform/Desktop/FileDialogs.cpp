@@ -1,0 +1,136 @@
+// SPDX-FileCopyrightText: 2026 The Tonvale Authors
+//
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "Platform/Desktop/FileDialogs.h"
+
+#include "Platform/Desktop/AudioNameFilter.h"
+#include "Platform/Desktop/ColorScheme.h"
+#include "Platform/Desktop/FilePanels.h"
+#include "Platform/Desktop/SchemePalette.h"
+
+#include <QFile>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QMessageBox>
+#include <QWindow>
+
+namespace tonvale {
+
+namespace {
+
+std::filesystem::path toPath(const QString& name)
+{
+    return QFile::encodeName(name).toStdString();
+}
+
+QString toName(const std::filesystem::path& path)
+{
+    return QFile::decodeName(path.c_str());
+}
+
+/// What both panels have in common.
+struct DialogContext {
+    QWindow& window;
+    const ColorScheme& scheme;
+
+    void prepare(QFileDialog& dialog) const
+    {
+        dialog.setPalette(paletteFor(scheme.isDark()));
+        dialog.setSupportedSchemes({QStringLiteral("file")});
+        dialog.setOption(QFileDialog::HideNameFilterDetails);
+        dialog.winId();  // makes the window that the parent is told to
+        dialog.windowHandle()->setTransientParent(&window);
+    }
+};
+
+class FileOpenDialog : public OpenPanel {
+public:
+    explicit FileOpenDialog(DialogContext context) : context_(context) {}
+
+    std::optional<std::filesystem::path> runModal() override
+    {
+        QFileDialog dialog;
+        dialog.setAcceptMode(QFileDialog::AcceptOpen);
+        dialog.setFileMode(QFileDialog::ExistingFile);
+        dialog.setNameFilter(audioNameFilter());
+        context_.prepare(dialog);
+        if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) {
+            return std::nullopt;
+        }
+        return toPath(dialog.selectedFiles().constFirst());
+    }
+
+private:
+    DialogContext context_;
+};
+
+class FileSaveDialog : public SavePanel {
+public:
+    explicit FileSaveDialog(DialogContext context) : context_(context) {}
+
+    std::optional<std::filesystem::path> runModal() override
+    {
+        QFileDialog dialog;
+        setUp(dialog);
+        while (dialog.exec() == QDialog::Accepted && !dialog.selectedFiles().isEmpty()) {
+            const QString chosen = dialog.selectedFiles().constFirst();
+            const QString file = withWavExtension(chosen);
+            // The dialog has asked about the name that was typed, not about the completed one.
+            if (file == chosen || !QFileInfo::exists(file) || mayReplace(dialog, file)) {
+                return toPath(file);
+            }
+            dialog.selectFile(QFileInfo(file).fileName());
+        }
+        return std::nullopt;
+    }
+
+private:
+    void setUp(QFileDialog& dialog) const
+    {
+        dialog.setAcceptMode(QFileDialog::AcceptSave);
+        dialog.setFileMode(QFileDialog::AnyFile);
+        dialog.setNameFilter(QStringLiteral("WAVE audio (*.wav)"));
+        dialog.setWindowTitle(QString::fromStdString(title));
+        context_.prepare(dialog);
+        if (!directoryURL.empty()) {
+            dialog.setDirectory(toName(directoryURL));
+        }
+        dialog.selectFile(toName(nameFieldStringValue));
+    }
+
+    /// A dialog's own default suffix would spare every name that has a dot in it.
+    static QString withWavExtension(const QString& file)
+    {
+        const QLatin1String extension(".wav");
+        return file.endsWith(extension, Qt::CaseInsensitive) ? file : file + extension;
+    }
+
+    /// The dialog's own question, in its own words.
+    bool mayReplace(QFileDialog& dialog, const QString& file) const
+    {
+        QMessageBox question(QMessageBox::Warning, dialog.windowTitle(),
+                             QStringLiteral("%1 already exists.\nDo you want to replace it?")
+                                 .arg(QFileInfo(file).fileName()),
+                             QMessageBox::Yes | QMessageBox::No);
+        question.setTextFormat(Qt::PlainText);
+        question.setDefaultButton(QMessageBox::No);
+        question.setPalette(dialog.palette());
+        question.winId();
+        question.windowHandle()->setTransientParent(&context_.window);
+        return question.exec() == QMessageBox::Yes;
+    }
+
+    DialogContext context_;
+};
+
+}  // namespace
+
+void useFileDialogs(QWindow& window, const ColorScheme& scheme)
+{
+    const DialogContext context{window, scheme};
+    OpenPanel::replaceFactory([context] { return std::make_unique<FileOpenDialog>(context); });
+    SavePanel::replaceFactory([context] { return std::make_unique<FileSaveDialog>(context); });
+}
+
+}  // namespace tonvale

@@ -1,0 +1,16 @@
+// SPDX-FileCopyrightText: 2026 The Tonvale Authors
+//
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+namespace tonvale {
+
+/// Sets up how the toolkit behaves in this process: it prints nothing, and it keeps nothing in the
+/// home directory. Call it first in main(), before there is an application object.
+///
+/// With QT_FORCE_STDERR_LOGGING set in the environment the toolkit's messages are printed as usual.
+/// @thread CONTROL
+void prepareProcess();
+
+}  // namespace tonvale
