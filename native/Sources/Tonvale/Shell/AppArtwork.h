@@ -1,0 +1,17 @@
+// SPDX-FileCopyrightText: 2026 The Tonvale Authors
+//
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include <QIcon>
+
+namespace tonvale::AppArtwork {
+
+/// The application's icon, looked for anew at each call; never null. The first of these that yields
+/// an image: "Tonvale" among the application's resources, Resources/Tonvale.icns of the source tree
+/// that the program was built from, the application's current icon.
+/// @thread CONTROL
+[[nodiscard]] QIcon icon();
+
+}  // namespace tonvale::AppArtwork

@@ -1,0 +1,22 @@
+// SPDX-FileCopyrightText: 2026 The Tonvale Authors
+//
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+import QtQuick
+import QtQuick.Controls.Basic
+import Tonvale.Views
+
+Menu {
+    id: root
+
+    padding: 5
+    overlap: 0
+    topMargin: 4
+    implicitWidth: 250
+
+    background: Rectangle {
+        radius: 8
+        color: Theme.menu
+        border.color: Theme.menuBorder
+    }
+}

@@ -1,0 +1,20 @@
+// SPDX-FileCopyrightText: 2026 The Tonvale Authors
+//
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+import QtQuick
+import QtQuick.Controls.Basic
+import Tonvale.Views
+
+MenuSeparator {
+    id: root
+
+    padding: 10
+    topPadding: 5
+    bottomPadding: 5
+
+    contentItem: Rectangle {
+        implicitHeight: 1
+        color: Theme.divider
+    }
+}

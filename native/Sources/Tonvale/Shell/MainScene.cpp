@@ -1,0 +1,56 @@
+// SPDX-FileCopyrightText: 2026 The Tonvale Authors
+//
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "Tonvale/Shell/MainScene.h"
+
+#include "Platform/Desktop/FileDialogs.h"
+#include "Platform/Desktop/StandardAboutPanel.h"
+#include "Platform/Foundation/Precondition.h"
+#include "Tonvale/Shell/AboutPanel.h"
+#include "Tonvale/Shell/ArtworkProvider.h"
+
+#include <QQuickWindow>
+
+/// Made by the build; naming it keeps the linker from leaving the types of this module out.
+void qml_register_types_Tonvale_Shell();
+
+namespace tonvale {
+
+MainScene::MainScene(QObject* model)
+{
+    precondition(model != nullptr);
+    [[maybe_unused]] const volatile auto types = &qml_register_types_Tonvale_Shell;
+    connect(&scheme_, &ColorScheme::isDarkChanged, this, &MainScene::isDarkChanged);
+    engine_.addImageProvider(QStringLiteral("artwork"), new ArtworkProvider);
+    engine_.addImportPath(QStringLiteral("qrc:/qt/qml"));
+    engine_.setInitialProperties({{QStringLiteral("model"), QVariant::fromValue(model)},
+                                  {QStringLiteral("scene"), QVariant::fromValue<QObject*>(this)}});
+    engine_.load(QUrl(QStringLiteral("qrc:/qt/qml/Tonvale/Shell/Main.qml")));
+    precondition(!engine_.rootObjects().isEmpty());
+    window_ = qobject_cast<QQuickWindow*>(engine_.rootObjects().constFirst());
+    precondition(window_ != nullptr);
+    useFileDialogs(*window_, scheme_);
+    StandardAboutPanel::replacePresenter(
+        [this](const AboutPanelOptions& options) { presentAbout(options); });
+}
+
+MainScene::~MainScene()
+{
+    StandardAboutPanel::replacePresenter(nullptr);
+}
+
+void MainScene::showAboutPanel()
+{
+    AboutPanel::show();
+}
+
+void MainScene::presentAbout(const AboutPanelOptions& options)
+{
+    QMetaObject::invokeMethod(
+        window_, "presentAbout", Q_ARG(QVariant, QVariant::fromValue(options.applicationIcon)),
+        Q_ARG(QVariant, options.applicationName), Q_ARG(QVariant, options.applicationVersion),
+        Q_ARG(QVariant, options.credits));
+}
+
+}  // namespace tonvale
