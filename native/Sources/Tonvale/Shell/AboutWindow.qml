@@ -3,11 +3,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 import QtQuick
-import QtQuick.Controls.Basic
 import Tonvale.Shell
 import Tonvale.Views
 
-// The About panel: one small window that belongs to the main one.
+/// The About panel: one small window that belongs to the main one.
 Window {
     id: root
 
@@ -17,7 +16,7 @@ Window {
     property alias version: versionLabel.text
     property alias credits: creditsLabel.text
 
-    function orderFront() {
+    function orderFront(): void {
         show();
         raise();
         requestActivate();
@@ -25,9 +24,9 @@ Window {
 
     title: "About Tonvale"
     flags: Qt.Dialog
-    color: Theme.window
+    color: Theme.windowBackground
     width: 300
-    height: 260
+    height: 264
     minimumWidth: width
     maximumWidth: width
     minimumHeight: height
@@ -37,17 +36,17 @@ Window {
         sequences: ["Escape", "Ctrl+W"]
         onActivated: root.close()
     }
-    Shortcut {
-        sequence: root.commands.quit.shortcut
-        onActivated: root.commands.quit.trigger()
-    }
-    Shortcut {
-        sequence: root.commands.chooseFile.shortcut
-        onActivated: root.commands.chooseFile.trigger()
-    }
-    Shortcut {
-        sequence: root.commands.stopPreview.shortcut
-        onActivated: root.commands.stopPreview.trigger()
+
+    Instantiator {
+        model: [root.commands.quit, root.commands.chooseFile, root.commands.stopPreview]
+
+        // The menus' shortcuts work in their own window only.
+        delegate: Shortcut {
+            required property var modelData
+
+            sequence: modelData.shortcut
+            onActivated: modelData.trigger()
+        }
     }
 
     Column {
@@ -56,27 +55,27 @@ Window {
 
         IconItem {
             id: picture
-
-            width: 112
-            height: 112
+            width: 120
+            height: 120
             anchors.horizontalCenter: parent.horizontalCenter
         }
-        AboutLine {
+
+        PlainLabel {
             id: nameLabel
-
-            font.pixelSize: Theme.title2Size
-            font.bold: true
+            font: Theme.title2
+            anchors.horizontalCenter: parent.horizontalCenter
         }
-        AboutLine {
+
+        PlainLabel {
             id: versionLabel
-
-            font.pixelSize: Theme.bodySize
+            anchors.horizontalCenter: parent.horizontalCenter
         }
-        AboutLine {
-            id: creditsLabel
 
-            font.pixelSize: Theme.smallSystemSize
+        PlainLabel {
+            id: creditsLabel
+            font: Qt.font({ family: Theme.family, pixelSize: 11 })
             color: Theme.secondary
+            anchors.horizontalCenter: parent.horizontalCenter
         }
     }
 }

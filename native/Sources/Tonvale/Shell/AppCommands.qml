@@ -5,7 +5,7 @@
 import QtQuick
 import QtQuick.Controls.Basic
 
-// What the menus do. None is ever disabled; each shortcut is defined here only.
+/// What the menus do. None is ever disabled; each shortcut is defined here only.
 QtObject {
     id: root
 
@@ -13,17 +13,17 @@ QtObject {
 
     readonly property Action about: Action {
         text: "About Tonvale"
-        onTriggered: Qt.callLater(root.aboutRequested)
+        onTriggered: root.aboutRequested()
     }
     readonly property Action quit: Action {
         text: "Quit Tonvale"
         shortcut: "Ctrl+Q"
         onTriggered: Qt.quit()
     }
-    // Later: whoever presses it from outside, a screen reader, must not wait for the panel to close.
     readonly property Action chooseFile: Action {
         text: "Choose Audio File..."
         shortcut: "Ctrl+O"
+        // The panel must not open inside the press: a screen reader would wait for it.
         onTriggered: Qt.callLater(root.model.chooseFile)
     }
     readonly property Action stopPreview: Action {
@@ -32,5 +32,5 @@ QtObject {
         onTriggered: root.model.stopPreview()
     }
 
-    signal aboutRequested()
+    signal aboutRequested
 }

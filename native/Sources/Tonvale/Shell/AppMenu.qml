@@ -6,6 +6,7 @@ import QtQuick
 import QtQuick.Controls.Basic
 import Tonvale.Views
 
+/// A menu as it hangs from the menu bar.
 Menu {
     id: root
 
@@ -14,9 +15,22 @@ Menu {
     topMargin: 4
     implicitWidth: 250
 
-    background: Rectangle {
-        radius: 8
-        color: Theme.menu
-        border.color: Theme.menuBorder
+    background: Item {
+        PanelShadow {
+            x: -reach
+            y: 4 - reach
+            width: parent.width + 2 * reach
+            height: parent.height + 2 * reach
+            radius: Theme.radius
+            blurRadius: 16
+            color: Theme.faded("black", 0.25)
+        }
+
+        Rectangle {
+            anchors.fill: parent
+            radius: Theme.radius
+            color: Theme.popUpBackground
+            border.color: Theme.separator
+        }
     }
 }

@@ -8,18 +8,20 @@ import QtQuick
 import QtQuick.Controls.Basic
 import Tonvale.Views
 
+/// The two menus, on top of the window.
 MenuBar {
     id: root
 
     required property AppCommands commands
 
-    leftPadding: 8
-    rightPadding: 8
     implicitHeight: 26
+    leftPadding: 15
+    rightPadding: 15
 
     delegate: AppMenuBarItem {}
+
     background: Rectangle {
-        color: Theme.window
+        color: Theme.windowBackground
     }
 
     AppMenu {
@@ -28,7 +30,9 @@ MenuBar {
         AppMenuItem {
             action: root.commands.about
         }
+
         AppMenuSeparator {}
+
         AppMenuItem {
             action: root.commands.quit
         }
@@ -40,6 +44,7 @@ MenuBar {
         AppMenuItem {
             action: root.commands.chooseFile
         }
+
         AppMenuItem {
             action: root.commands.stopPreview
         }

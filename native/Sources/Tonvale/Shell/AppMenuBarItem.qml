@@ -6,6 +6,7 @@ import QtQuick
 import QtQuick.Controls.Basic
 import Tonvale.Views
 
+/// The title of a menu in the menu bar.
 MenuBarItem {
     id: root
 
@@ -13,23 +14,23 @@ MenuBarItem {
     padding: 0
     leftPadding: 9
     rightPadding: 9
-    font.family: Theme.fontFamily
-    font.pixelSize: Theme.bodySize
+    font: Theme.body
 
-    contentItem: Text {
+    contentItem: PlainLabel {
+        // The letter behind the "&" opens the menu together with Alt.
         text: root.text.replace("&", "")
-        textFormat: Text.PlainText
         font: root.font
-        color: Theme.text
         verticalAlignment: Text.AlignVCenter
+        Accessible.ignored: true
     }
+
     background: Item {
         Rectangle {
             anchors.fill: parent
             anchors.topMargin: 2
             anchors.bottomMargin: 2
             radius: 5
-            color: root.down || root.highlighted || root.hovered ? Theme.hover : "transparent"
+            color: root.down || root.highlighted ? Theme.pressed : root.hovered ? Theme.hovered : "transparent"
         }
     }
 }

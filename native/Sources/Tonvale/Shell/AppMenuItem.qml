@@ -7,6 +7,7 @@ import QtQuick.Controls.Basic
 import QtQuick.Layouts
 import Tonvale.Views
 
+/// A command in a menu, with its shortcut.
 MenuItem {
     id: root
 
@@ -16,31 +17,27 @@ MenuItem {
     padding: 0
     leftPadding: 10
     rightPadding: 10
-    font.family: Theme.fontFamily
-    font.pixelSize: Theme.bodySize
+    font: Theme.body
 
     contentItem: RowLayout {
         spacing: 24
 
-        Text {
+        PlainLabel {
             text: root.text
-            textFormat: Text.PlainText
             font: root.font
             color: root.ink
-            verticalAlignment: Text.AlignVCenter
             Layout.fillWidth: true
-            Layout.fillHeight: true
+            Accessible.ignored: true
         }
-        Text {
-            text: root.action && root.action.shortcut ? root.action.shortcut : ""
-            textFormat: Text.PlainText
+
+        PlainLabel {
+            text: root.action?.shortcut ?? ""
             font: root.font
-            color: root.ink
-            opacity: 0.7
-            verticalAlignment: Text.AlignVCenter
-            Layout.fillHeight: true
+            color: root.highlighted ? Theme.accentText : Theme.secondary
+            Accessible.ignored: true
         }
     }
+
     background: Rectangle {
         radius: 5
         color: root.highlighted ? Theme.accent : "transparent"

@@ -6,15 +6,14 @@ import QtQuick
 import QtQuick.Controls.Basic
 import Tonvale.Views
 
+/// A line between groups of commands.
 MenuSeparator {
-    id: root
-
     padding: 10
     topPadding: 5
     bottomPadding: 5
 
     contentItem: Rectangle {
         implicitHeight: 1
-        color: Theme.divider
+        color: Theme.separator
     }
 }

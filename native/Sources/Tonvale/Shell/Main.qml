@@ -8,42 +8,37 @@ import QtQuick
 import QtQuick.Controls.Basic
 import Tonvale.Views
 
-// The window: its menus on top, the views below.
+/// The window: its menus on top, the views below.
 ApplicationWindow {
     id: root
 
     required property QtObject model
     required property QtObject scene
 
-    // The content, below the menu bar, is never smaller than 840 x 680.
-    readonly property size firstContentSize: Qt.size(900, 740)
-
-    function presentAbout(icon, name, version, credits) {
-        about.active = true;
-        about.item.icon = icon;
-        about.item.name = name;
-        about.item.version = version;
-        about.item.credits = credits;
-        about.item.orderFront();
+    function presentAbout(icon: var, name: string, version: string, credits: string): void {
+        aboutWindow.icon = icon;
+        aboutWindow.name = name;
+        aboutWindow.version = version;
+        aboutWindow.credits = credits;
+        aboutWindow.orderFront();
     }
 
+    // The content, below the menus, is never smaller than 840 x 680.
     title: "Tonvale"
-    color: Theme.window
+    color: Theme.windowBackground
     minimumWidth: 840
     minimumHeight: 680 + menus.height
-    width: firstContentSize.width
-    height: firstContentSize.height + menus.height
+    width: 900
+    height: 740 + menus.height
     visible: true
 
     menuBar: AppMenuBar {
         id: menus
-
-        commands: commands
+        commands: appCommands
     }
 
     AppCommands {
-        id: commands
-
+        id: appCommands
         model: root.model
         onAboutRequested: root.scene.showAboutPanel()
     }
@@ -59,13 +54,9 @@ ApplicationWindow {
         model: root.model
     }
 
-    Loader {
-        id: about
-
-        active: false
-        sourceComponent: AboutWindow {
-            transientParent: root
-            commands: commands
-        }
+    AboutWindow {
+        id: aboutWindow
+        transientParent: root
+        commands: appCommands
     }
 }

@@ -9,6 +9,7 @@
 #include "Platform/Foundation/Precondition.h"
 #include "Tonvale/Shell/AboutPanel.h"
 #include "Tonvale/Shell/ArtworkProvider.h"
+#include "Tonvale/Views/Views.h"
 
 #include <QQuickWindow>
 
@@ -23,7 +24,7 @@ MainScene::MainScene(QObject* model)
     [[maybe_unused]] const volatile auto types = &qml_register_types_Tonvale_Shell;
     connect(&scheme_, &ColorScheme::isDarkChanged, this, &MainScene::isDarkChanged);
     engine_.addImageProvider(QStringLiteral("artwork"), new ArtworkProvider);
-    engine_.addImportPath(QStringLiteral("qrc:/qt/qml"));
+    addViews(engine_);
     engine_.setInitialProperties({{QStringLiteral("model"), QVariant::fromValue(model)},
                                   {QStringLiteral("scene"), QVariant::fromValue<QObject*>(this)}});
     engine_.load(QUrl(QStringLiteral("qrc:/qt/qml/Tonvale/Shell/Main.qml")));
@@ -49,8 +50,8 @@ void MainScene::presentAbout(const AboutPanelOptions& options)
 {
     QMetaObject::invokeMethod(
         window_, "presentAbout", Q_ARG(QVariant, QVariant::fromValue(options.applicationIcon)),
-        Q_ARG(QVariant, options.applicationName), Q_ARG(QVariant, options.applicationVersion),
-        Q_ARG(QVariant, options.credits));
+        Q_ARG(QString, options.applicationName), Q_ARG(QString, options.applicationVersion),
+        Q_ARG(QString, options.credits));
 }
 
 }  // namespace tonvale
