@@ -4,7 +4,6 @@
 
 #include "Tonvale/Shell/AppArtwork.h"
 
-#include "Platform/Foundation/Bundle.h"
 #include "Tonvale/Shell/DefaultIcon.h"
 #include "Tonvale/Shell/ImageFile.h"
 #include "Tonvale/TonvaleApp.h"
@@ -17,16 +16,16 @@ namespace {
 
 constexpr const char* fileName = "Tonvale.icns";
 
-QIcon resourceIcon()
+QIcon resourceIcon(const Bundle& bundle)
 {
-    const auto resources = Bundle::main().resourceURL();
+    const auto resources = bundle.resourceURL();
     return resources ? imageFile(*resources / fileName) : QIcon();
 }
 
-QIcon sourceTreeIcon()
+QIcon sourceTreeIcon(const std::filesystem::path& sourceFile)
 {
     // Without the file name, the module's folder and "Sources".
-    const auto root = TonvaleApp::sourceFile().parent_path().parent_path().parent_path();
+    const auto root = sourceFile.parent_path().parent_path().parent_path();
     return imageFile(root / "Resources" / fileName);
 }
 
@@ -40,12 +39,16 @@ QIcon currentIcon()
 
 QIcon icon()
 {
-    for (const auto source : {resourceIcon, sourceTreeIcon}) {
-        if (const QIcon icon = source(); !icon.isNull()) {
-            return icon;
-        }
+    return detail::icon(Bundle::main(), TonvaleApp::sourceFile());
+}
+
+QIcon detail::icon(const Bundle& bundle, const std::filesystem::path& sourceFile)
+{
+    if (const QIcon found = resourceIcon(bundle); !found.isNull()) {
+        return found;
     }
-    return currentIcon();
+    const QIcon found = sourceTreeIcon(sourceFile);
+    return found.isNull() ? currentIcon() : found;
 }
 
 }  // namespace tonvale::AppArtwork

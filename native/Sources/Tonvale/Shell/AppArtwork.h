@@ -4,7 +4,11 @@
 
 #pragma once
 
+#include "Platform/Foundation/Bundle.h"
+
 #include <QIcon>
+
+#include <filesystem>
 
 namespace tonvale::AppArtwork {
 
@@ -13,5 +17,12 @@ namespace tonvale::AppArtwork {
 /// that the program was built from, the application's current icon.
 /// @thread CONTROL
 [[nodiscard]] QIcon icon();
+
+namespace detail {
+
+/// The same for other places than the program's own.
+[[nodiscard]] QIcon icon(const Bundle& bundle, const std::filesystem::path& sourceFile);
+
+}  // namespace detail
 
 }  // namespace tonvale::AppArtwork

@@ -1,0 +1,48 @@
+// SPDX-FileCopyrightText: 2026 The Tonvale Authors
+//
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#pragma once
+
+#include <QDeadlineTimer>
+#include <QMessageBox>
+#include <QObject>
+
+#include <deque>
+#include <functional>
+
+class QFileDialog;
+class QWidget;
+
+namespace tonvale::test {
+
+/// What a user does to the dialogs that come up while a panel runs, one after the other. Ends with
+/// a failure when a dialog of the script does not come, or comes in vain.
+class DialogScript : public QObject {
+public:
+    DialogScript();
+    ~DialogScript() override;
+
+    /// Does `act` to a file dialog.
+    DialogScript& fileDialog(std::function<void(QFileDialog&)> act);
+    /// Types `name` over the proposed one and accepts.
+    DialogScript& saveAs(const QString& name);
+    /// Answers the question whether an existing file is to be replaced.
+    DialogScript& answer(QMessageBox::StandardButton button);
+    DialogScript& cancel();
+
+private:
+    /// @return whether the dialog is the one it waits for
+    using Step = std::function<bool(QWidget&)>;
+
+    void lookSoon();
+    void look();
+
+    std::deque<Step> steps_;
+    QDeadlineTimer deadline_;
+};
+
+/// The text in the dialog's name field.
+[[nodiscard]] QString proposedName(const QFileDialog& dialog);
+
+}  // namespace tonvale::test

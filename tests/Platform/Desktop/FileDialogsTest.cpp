@@ -1,0 +1,179 @@
+// SPDX-FileCopyrightText: 2026 The Tonvale Authors
+//
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "Platform/Desktop/FileDialogs.h"
+
+#include "DialogScript.h"
+#include "Platform/Desktop/AudioNameFilter.h"
+#include "Platform/Desktop/ColorScheme.h"
+#include "Platform/Desktop/FilePanels.h"
+#include "Support/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <QFileDialog>
+#include <QWindow>
+
+#include <fstream>
+
+namespace tonvale {
+namespace {
+
+namespace fs = std::filesystem;
+using test::DialogScript;
+
+void createFile(const fs::path& file)
+{
+    std::ofstream(file) << "something";
+}
+
+class FileDialogs : public ::testing::Test {
+protected:
+    void SetUp() override { useFileDialogs(window_, scheme_); }
+    void TearDown() override
+    {
+        OpenPanel::replaceFactory(nullptr);
+        SavePanel::replaceFactory(nullptr);
+    }
+
+    [[nodiscard]] std::unique_ptr<SavePanel> savePanel(const std::string& name) const
+    {
+        auto panel = SavePanel::create();
+        panel->title = "Save Transposed Song";
+        panel->nameFieldStringValue = name;
+        panel->directoryURL = folder_.path();
+        return panel;
+    }
+
+    /// What the panel answers when this name is typed over the proposed one.
+    [[nodiscard]] std::optional<fs::path> saveAs(const QString& name) const
+    {
+        DialogScript script;
+        script.saveAs(name);
+        return savePanel("Song.wav")->runModal();
+    }
+
+    test::TemporaryFolder folder_;
+    QWindow window_;
+    ColorScheme scheme_;
+};
+
+using OpenPanelDialog = FileDialogs;
+using SavePanelDialog = FileDialogs;
+
+TEST_F(OpenPanelDialog, AsksForOneExistingAudioFile)
+{
+    DialogScript script;
+    script.fileDialog([this](QFileDialog& dialog) {
+        EXPECT_EQ(dialog.acceptMode(), QFileDialog::AcceptOpen);
+        EXPECT_EQ(dialog.fileMode(), QFileDialog::ExistingFile);
+        ASSERT_EQ(dialog.nameFilters().size(), 1);
+        EXPECT_EQ(dialog.nameFilters().constFirst(), audioNameFilter());
+        EXPECT_TRUE(dialog.isModal());
+        EXPECT_EQ(dialog.windowHandle()->transientParent(), &window_);
+        dialog.reject();
+    });
+    EXPECT_EQ(OpenPanel::create()->runModal(), std::nullopt);
+}
+
+TEST_F(OpenPanelDialog, AnswersTheFileWithEverySignOfItsName)
+{
+    const fs::path file = folder_.path() / "50% F# ? 'Grün' & <b>.mp3";
+    createFile(file);
+    DialogScript script;
+    script.saveAs(QString::fromStdString(file.string()));
+    EXPECT_EQ(OpenPanel::create()->runModal(), file);
+}
+
+TEST_F(SavePanelDialog, ProposesNameAndFolderUnderItsTitle)
+{
+    DialogScript script;
+    script.fileDialog([this](QFileDialog& dialog) {
+        EXPECT_EQ(dialog.windowTitle(), QLatin1String("Save Transposed Song"));
+        EXPECT_EQ(dialog.acceptMode(), QFileDialog::AcceptSave);
+        EXPECT_EQ(dialog.nameFilters(), QStringList{QStringLiteral("WAVE audio (*.wav)")});
+        EXPECT_EQ(test::proposedName(dialog), QLatin1String("Song.final - Key of F#.wav"));
+        EXPECT_EQ(dialog.directory().absolutePath().toStdString(), folder_.path().string());
+        EXPECT_FALSE(dialog.testOption(QFileDialog::ReadOnly)) << "folders cannot be created";
+        EXPECT_FALSE(dialog.testOption(QFileDialog::DontConfirmOverwrite));
+        EXPECT_EQ(dialog.windowHandle()->transientParent(), &window_);
+        dialog.reject();
+    });
+    EXPECT_EQ(savePanel("Song.final - Key of F#.wav")->runModal(), std::nullopt);
+}
+
+TEST_F(SavePanelDialog, AnswersTheProposedNameWithEverySignOfIt)
+{
+    const std::string name = "50% ? 'Grün' & <b> - Key of F#.wav";
+    DialogScript script;
+    script.fileDialog([](QFileDialog& dialog) { QMetaObject::invokeMethod(&dialog, "accept"); });
+    EXPECT_EQ(savePanel(name)->runModal(), folder_.path() / name);
+}
+
+TEST_F(SavePanelDialog, AnswersNothingWhenCancelled)
+{
+    DialogScript script;
+    script.cancel();
+    EXPECT_EQ(savePanel("Song.wav")->runModal(), std::nullopt);
+}
+
+TEST_F(SavePanelDialog, AddsTheExtensionOnce)
+{
+    EXPECT_EQ(saveAs(QStringLiteral("take")), folder_.path() / "take.wav");
+    EXPECT_EQ(saveAs(QStringLiteral("take.wav")), folder_.path() / "take.wav");
+    EXPECT_EQ(saveAs(QStringLiteral("take.WAV")), folder_.path() / "take.WAV");
+    EXPECT_EQ(saveAs(QStringLiteral("take.mp3")), folder_.path() / "take.mp3.wav");
+    EXPECT_EQ(saveAs(QStringLiteral("take.final - Key of A")),
+              folder_.path() / "take.final - Key of A.wav");
+}
+
+TEST_F(SavePanelDialog, SavesWhereATypedPathSays)
+{
+    const auto elsewhere = folder_.path() / "else where";
+    fs::create_directory(elsewhere);
+    EXPECT_EQ(saveAs(QString::fromStdString((elsewhere / "take").string())),
+              elsewhere / "take.wav");
+}
+
+TEST_F(SavePanelDialog, AsksBeforeAnExistingFileIsReplaced)
+{
+    createFile(folder_.path() / "take.wav");
+    DialogScript script;
+    script.saveAs(QStringLiteral("take.wav")).answer(QMessageBox::Yes);
+    EXPECT_EQ(savePanel("Song.wav")->runModal(), folder_.path() / "take.wav");
+}
+
+TEST_F(SavePanelDialog, StaysOpenWhenAnExistingFileIsToBeKept)
+{
+    createFile(folder_.path() / "take.wav");
+    DialogScript script;
+    script.saveAs(QStringLiteral("take.wav"))
+        .answer(QMessageBox::No)
+        .saveAs(QStringLiteral("other.wav"));
+    EXPECT_EQ(savePanel("Song.wav")->runModal(), folder_.path() / "other.wav");
+}
+
+TEST_F(SavePanelDialog, AsksAboutTheCompletedName)
+{
+    createFile(folder_.path() / "take.one.wav");
+    DialogScript script;
+    script.saveAs(QStringLiteral("take.one")).answer(QMessageBox::Yes);
+    EXPECT_EQ(savePanel("Song.wav")->runModal(), folder_.path() / "take.one.wav");
+}
+
+TEST_F(SavePanelDialog, AsksForAnotherNameWhenTheCompletedOneIsToBeKept)
+{
+    createFile(folder_.path() / "take.one.wav");
+    DialogScript script;
+    script.saveAs(QStringLiteral("take.one"))
+        .answer(QMessageBox::No)
+        .fileDialog([](QFileDialog& dialog) {
+            EXPECT_EQ(test::proposedName(dialog), QLatin1String("take.one.wav"));
+            dialog.reject();
+        });
+    EXPECT_EQ(savePanel("Song.wav")->runModal(), std::nullopt);
+}
+
+}  // namespace
+}  // namespace tonvale

@@ -1,0 +1,36 @@
+// SPDX-FileCopyrightText: 2026 The Tonvale Authors
+//
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "Platform/Desktop/ProcessSetup.h"
+
+#include "Support/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <QSettings>
+
+#include <filesystem>
+
+namespace tonvale {
+namespace {
+
+TEST(ProcessSetup, LeavesNoPlaceForSettingsOfTheToolkit)
+{
+    const test::TemporaryFolder home;
+    qputenv("HOME", home.path().c_str());
+    qputenv("XDG_CONFIG_HOME", home.path().c_str());
+    prepareProcess();
+    {
+        // As the toolkit's file dialog does when it closes.
+        QSettings settings(QSettings::UserScope, QStringLiteral("QtProject"));
+        EXPECT_TRUE(settings.allKeys().isEmpty());
+        settings.setValue(QStringLiteral("FileDialog/lastVisited"), QStringLiteral("file:///tmp"));
+        settings.sync();
+    }
+    EXPECT_TRUE(QSettings(QSettings::UserScope, QStringLiteral("QtProject")).allKeys().isEmpty());
+    EXPECT_TRUE(std::filesystem::is_empty(home.path()));
+}
+
+}  // namespace
+}  // namespace tonvale
