@@ -14,6 +14,7 @@
 #include <QTimer>
 
 #include <chrono>
+#include <utility>
 
 namespace tonvale::test {
 
@@ -93,9 +94,11 @@ void DialogScript::look()
         dialog->reject();
         return;
     }
-    if (steps_.empty()) {
-        return;  // the last one closes by itself, or the deadline closes it
+    // A dialog that was covered by another one is seen before that one's event loop has ended.
+    if (steps_.empty() || std::exchange(seen_, dialog) != dialog) {
+        return;
     }
+    seen_ = nullptr;
     const Step step = steps_.front();
     steps_.pop_front();  // first, for the step may open the next dialog
     if (!step(*dialog)) {

@@ -11,6 +11,7 @@
 #include <deque>
 #include <functional>
 
+class QDialog;
 class QFileDialog;
 class QWidget;
 
@@ -39,6 +40,7 @@ private:
     void look();
 
     std::deque<Step> steps_;
+    QDialog* seen_ = nullptr;  ///< at the last look; only compared
     QDeadlineTimer deadline_;
 };
 

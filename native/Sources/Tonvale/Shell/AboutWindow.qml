@@ -73,7 +73,7 @@ Window {
 
         PlainLabel {
             id: creditsLabel
-            font: Qt.font({ family: Theme.family, pixelSize: 11 })
+            font: Theme.smallSystem
             color: Theme.secondary
             anchors.horizontalCenter: parent.horizontalCenter
         }

@@ -23,7 +23,7 @@ Menu {
             height: parent.height + 2 * reach
             radius: Theme.radius
             blurRadius: 16
-            color: Theme.faded("black", 0.25)
+            color: Theme.shadow(0.25)
         }
 
         Rectangle {

@@ -55,6 +55,7 @@ QtObject {
     readonly property font body: Qt.font({ family: family, pixelSize: 13 })
     readonly property font control: Qt.font({ family: family, pixelSize: 13, weight: Font.Medium })
     readonly property font callout: Qt.font({ family: family, pixelSize: 12 })
+    readonly property font smallSystem: Qt.font({ family: family, pixelSize: 11 })
     readonly property font caption: Qt.font({ family: family, pixelSize: 10 })
     readonly property font pill: Qt.font({ family: family, pixelSize: 10, weight: Font.Medium })
     readonly property font figure: Qt.font({ family: figureLoader.font.family, pixelSize: 58, weight: Font.Black })
