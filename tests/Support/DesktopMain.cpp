@@ -8,7 +8,6 @@
 
 #include <gtest/gtest.h>
 
-#include <QAccessible>
 #include <QApplication>
 
 namespace {
@@ -35,7 +34,6 @@ int main(int argc, char** argv)
     const QApplication application(argc, argv);
     qInstallMessageHandler(failOnWarnings);
     tonvale::installEnabledAwareAccessibility();
-    QAccessible::setActive(true);  // as if a screen reader were there
     ::testing::InitGoogleTest(&argc, argv);
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     return RUN_ALL_TESTS();
