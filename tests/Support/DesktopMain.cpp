@@ -10,6 +10,10 @@
 
 #include <QApplication>
 
+#include <private/qguiapplication_p.h>
+#include <qpa/qplatformaccessibility.h>
+#include <qpa/qplatformintegration.h>
+
 namespace {
 
 /// Whatever Qt complains of fails the test that is running, but for what its windowless platform
@@ -34,6 +38,8 @@ int main(int argc, char** argv)
     const QApplication application(argc, argv);
     qInstallMessageHandler(failOnWarnings);
     tonvale::installEnabledAwareAccessibility();
+    // As if a screen reader were there; only the platform can say so.
+    QGuiApplicationPrivate::platformIntegration()->accessibility()->setActive(true);
     ::testing::InitGoogleTest(&argc, argv);
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     return RUN_ALL_TESTS();

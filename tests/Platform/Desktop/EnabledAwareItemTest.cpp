@@ -30,7 +30,6 @@ protected:
                           QUrl());
         root_.reset(component.create());
         ASSERT_NE(root_, nullptr) << component.errorString().toStdString();
-        QAccessible::setActive(true);  // as a screen reader that comes now
     }
 
     [[nodiscard]] QAccessibleInterface* accessible(const QString& name) const

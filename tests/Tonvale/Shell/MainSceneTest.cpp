@@ -79,7 +79,6 @@ protected:
     void SetUp() override
     {
         OpenPanel::replaceFactory([this] { return std::make_unique<CountedPanel>(openPanels_); });
-        QAccessible::setActive(true);  // as a screen reader that comes now
         window().requestActivate();
         ASSERT_TRUE(
             test::spinUntil([this] { return QGuiApplication::focusWindow() == &window(); }));

@@ -10,6 +10,12 @@ import Tonvale.Views
 MenuBarItem {
     id: root
 
+    // The letter behind the "&" opens the menu together with Alt.
+    readonly property string shownTitle: text.replace("&", "")
+
+    Accessible.role: Accessible.MenuItem
+    Accessible.name: shownTitle
+
     implicitHeight: 26
     padding: 0
     leftPadding: 9
@@ -17,8 +23,7 @@ MenuBarItem {
     font: Theme.body
 
     contentItem: PlainLabel {
-        // The letter behind the "&" opens the menu together with Alt.
-        text: root.text.replace("&", "")
+        text: root.shownTitle
         font: root.font
         verticalAlignment: Text.AlignVCenter
         Accessible.ignored: true
