@@ -138,15 +138,6 @@ TEST_F(MainWindow, ListsTheCommandsInTheirOrder)
     press(window(), Qt::Key_Escape, Qt::NoModifier);
 }
 
-TEST_F(MainWindow, ChoosesAFileAfterItsCommandHasReturned)
-{
-    openMenu(Qt::Key_F, QStringLiteral("Choose Audio File..."));
-    auto* item = find(window(), QAccessible::MenuItem, QStringLiteral("Choose Audio File..."));
-    item->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
-    EXPECT_EQ(openPanels_, 0) << "whoever pressed waits for the panel";
-    EXPECT_TRUE(test::spinUntil([this] { return openPanels_ == 1; }));
-}
-
 TEST_F(MainWindow, ChoosesAFileByItsShortcut)
 {
     press(window(), Qt::Key_O, Qt::ControlModifier);

@@ -29,6 +29,13 @@ public:
         }
         return state;
     }
+
+    /// Qt calls each title of a menu bar a menu bar of its own.
+    [[nodiscard]] QAccessible::Role role() const override
+    {
+        return object()->inherits("QQuickMenuBarItem") ? QAccessible::MenuItem
+                                                       : QAccessibleQuickItem::role();
+    }
 };
 
 QAccessibleInterface* makeInterface(const QString& className, QObject* object)

@@ -13,7 +13,6 @@ MenuBarItem {
     // The letter behind the "&" opens the menu together with Alt.
     readonly property string shownTitle: text.replace("&", "")
 
-    Accessible.role: Accessible.MenuItem
     Accessible.name: shownTitle
 
     implicitHeight: 26
