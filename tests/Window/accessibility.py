@@ -65,10 +65,14 @@ class Element:
         return ask(self.bus, self.owner, self.path, "org.freedesktop.DBus.Properties", "Get",
                    GLib.Variant("(ss)", (PREFIX + interface, name)))[0]
 
+    def act(self, action: str) -> None:
+        """Does one of the things that can be done with it, "Press" or "Increase"."""
+        names = [name for name, *_ in self.ask("Action", "GetActions")[0]]
+        if action not in names or not self.ask("Action", "DoAction", GLib.Variant("(i)", (names.index(action),)))[0]:
+            raise AssertionError(f"{self.role} {self.name!r} cannot do {action!r}, only {names}")
+
     def press(self) -> None:
-        """Does the first thing that can be done with it."""
-        if not self.ask("Action", "DoAction", GLib.Variant("(i)", (0,)))[0]:
-            raise AssertionError(f"{self} cannot be pressed")
+        self.act("Press")
 
     def focus(self) -> None:
         self.ask("Component", "GrabFocus")

@@ -7,7 +7,6 @@ from __future__ import annotations
 import os
 import shutil
 import subprocess
-from collections.abc import Callable
 from pathlib import Path
 
 import accessibility
@@ -47,7 +46,7 @@ class Application:
             self.process = start(
                 [str(installation.program)], stdout=output, stderr=output, cwd=self.temporary.parent,
                 env={**desktop.environment, "HOME": str(self.home), "TMPDIR": str(self.temporary), "QT_QUICK_BACKEND": "software",
-                     "QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1", **environment})
+                     "QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1", "QT_FORCE_STDERR_LOGGING": "1", **environment})
         self._owner = wait_until(self._registered, lambda: f"the program's window\n{self.output}", START_SECONDS)
         self.find("push button", "Browse files")
 
@@ -131,6 +130,3 @@ class Application:
         if self.process.poll() is None:
             self.process.kill()
         self.process.wait()
-
-
-Condition = Callable[[], object]

@@ -1,0 +1,155 @@
+# SPDX-FileCopyrightText: 2026 The Tonvale Authors
+# SPDX-License-Identifier: GPL-3.0-or-later
+"""What the tests of the window share: a desktop for each class of tests, the program anew for each test."""
+
+from __future__ import annotations
+
+import os
+import unittest
+from pathlib import Path
+from typing import Any, ClassVar
+
+import songs
+from accessibility import Element
+from application import Application, Installation
+from desktop import Desktop
+from dragging import DragSource, links
+from hands import Hands
+from processes import wait_until
+from sound import cents, pitch_of
+
+PROGRAM = "TONVALE"  # the environment variable that says where the program is
+PITCH_CENTS = 3.0  # a listener hears five; the way through engine, server and measurement takes less than one
+KEYS = [f"{note} {mode}" for mode in ("major", "minor")
+        for note in ("C", "C# / Db", "D", "D# / Eb", "E", "F", "F# / Gb", "G", "G# / Ab", "A", "A# / Bb", "B")]
+SAVE_PANEL = "Save Transposed Song"
+
+
+class WindowTestCase(unittest.TestCase):
+    environment: ClassVar[dict[str, str]] = {}  # what the program sees besides the desktop's
+
+    @classmethod
+    def setUpClass(cls) -> None:
+        if PROGRAM not in os.environ:
+            raise unittest.SkipTest(f"the environment variable {PROGRAM} names no program")
+        cls.desktop = Desktop()
+        cls.addClassCleanup(cls.desktop.close)
+        cls.installation = Installation(cls.desktop.folder / "installation", Path(os.environ[PROGRAM]))
+        cls.hands = Hands(cls.desktop.environment)
+        cls.recorder = cls.desktop.recorder
+        cls.screen = cls.desktop.screen
+        cls._drag_source: DragSource | None = None
+
+    def setUp(self) -> None:
+        self.folder = self.desktop.make_folder(self.id().rpartition(".")[2])
+        self.program = self.start()
+
+    def start(self) -> Application:
+        program = Application(self.desktop, self.installation, self.folder / "program", self.environment)
+        self.addCleanup(program.kill)
+        return program
+
+    def tearDown(self) -> None:
+        """However a test has used it, the program quits when told to and has not printed a word."""
+        if self.program.process.poll() is None:
+            self.hands.keys("ctrl+q")
+            self.assertEqual(self.program.wait_for_end(5), 0)
+        self.assertEqual(self.program.output, "")
+
+    @property
+    def drag_source(self) -> DragSource:
+        if self._drag_source is None:
+            type(self)._drag_source = DragSource(self.desktop, self.hands)
+            self.addClassCleanup(self._drag_source.close)
+        return self._drag_source
+
+    # Songs
+
+    def tone(self, name: str = "Night Song.wav", seconds: float = 20) -> Path:
+        return songs.tone(self.folder / name, seconds)
+
+    def drop_place(self) -> tuple[int, int]:
+        """A point of the drop panel that shows nothing."""
+        button = self.program.button("Browse files").area
+        return button.x - 40, button.y - 60
+
+    def drop(self, *files: Path) -> dict[str, Any]:
+        return self.drag_source.drop(links(*files), self.drop_place())
+
+    def load(self, song: Path) -> None:
+        """Drops a song and waits until it is loaded."""
+        self.drop(song)
+        self.program.wait_for_text(song.name, "File loaded")
+
+    def load_tone(self, **options: Any) -> Path:
+        song = self.tone(**options)
+        self.load(song)
+        return song
+
+    # Keys
+
+    def choose_key(self, picker: str, name: str) -> None:
+        self.program.find("combo box", picker).press()
+        self.program.find("list item", name).press()
+        self.wait_for_key(picker, name)
+        self.wait_for_closed_pickers()
+
+    def wait_for_key(self, picker: str, name: str) -> None:
+        wait_until(lambda: self.chosen_key(picker) == name, lambda: f"{picker} {name}, it is {self.chosen_key(picker)}")
+
+    def wait_for_closed_pickers(self) -> None:
+        wait_until(lambda: not any(element.role == "list item" for element in self.program.elements()), "closed pickers")
+
+    def chosen_key(self, picker: str) -> str:
+        """What a screen reader says that the picker stands on."""
+        box = self.program.find("combo box", picker)
+        words = [child.text for child in box.walk() if child.role == "text"]
+        return next((word for word in words if word), box.description)
+
+    def transpose(self, recorded: str, new: str) -> None:
+        self.choose_key("Recorded key", recorded)
+        self.choose_key("New key", new)
+
+    # Sound
+
+    def assert_hears(self, hz: float) -> None:
+        """Waits for a pitch, and hears that it stays."""
+        def is_near(heard: float | None) -> bool:
+            return heard is not None and abs(cents(heard, hz)) < PITCH_CENTS
+        wait_until(lambda: is_near(self.recorder.pitch(0.4)), lambda: f"{hz:.2f} Hz, {self.recorder.pitch(0.4)} is heard")
+        heard = pitch_of(self.recorder.next(0.8), self.recorder.RATE)
+        self.assertIsNotNone(heard, "silence follows")
+        self.assertLess(abs(cents(heard, hz)), PITCH_CENTS, f"{heard} Hz")
+
+    def assert_silent(self) -> None:
+        wait_until(lambda: self.recorder.pitch(0.3) is None, lambda: f"silence, {self.recorder.pitch(0.3)} Hz is heard")
+
+    # Panels
+
+    def accept_panel(self, title: str, file: Path | str) -> None:
+        """Types a file's name into a file panel, over what stands there."""
+        self.program.dialog(title)
+        self.program.wait_for_focus("text", "File name:")
+        self.hands.keys("ctrl+a")
+        self.hands.type(str(file))
+        wait_until(lambda: (field := self.program.look("text", "File name:")) and field.text == str(file),
+                   f"the file name {str(file)!r} in the panel")
+        self.hands.keys("Return")
+
+    def save_as(self, file: Path | str) -> None:
+        self.press_convert()
+        self.accept_panel(SAVE_PANEL, file)
+
+    def press_convert(self) -> None:
+        self.convert_button().press()
+
+    def convert_button(self) -> Element:
+        """The button that saves, whatever it says just now."""
+        return wait_until(lambda: next((element for element in self.program.elements() if element.role == "push button"
+                                        and element.name.startswith(("Convert", "Rendering..."))), None), "the convert button")
+
+    # The window
+
+    def window(self) -> int:
+        windows = self.hands.windows(self.program.process.pid)
+        return next(window for window in windows if self.hands.window_name(window) == "Tonvale")
