@@ -4,7 +4,7 @@
 """A small window from which things are dragged, as from a file manager or a web browser.
 
 Reads what to offer as lines of JSON, {"type": "text/uri-list", "data": "file:///a.wav\\r\\n"}, and writes a line when
-it offers it and another one when the drag has ended.
+it offers it, one whenever the window under the mouse has another mind about it, and one when the drag has ended.
 Usage: drag_source.py X Y
 """
 
@@ -29,8 +29,10 @@ class DragSource(Gtk.Window):
         super().__init__(type=Gtk.WindowType.POPUP)  # stays where it is put
         self.offer: dict[str, str] = {}
         self.refused = False
+        self.action = "none"
         self.set_default_size(SIZE, SIZE)
         self.move(x, y)
+        self.connect("drag-begin", self.on_drag_begin)
         self.connect("drag-data-get", self.on_drag_data_get)
         self.connect("drag-failed", self.on_drag_failed)
         self.connect("drag-end", self.on_drag_end)
@@ -43,7 +45,19 @@ class DragSource(Gtk.Window):
         self.drag_source_set(Gdk.ModifierType.BUTTON1_MASK, [target], Gdk.DragAction.COPY | Gdk.DragAction.MOVE)
         say(offered=True)
 
-    def on_drag_data_get(self, _widget: Gtk.Widget, _context: Gdk.DragContext, data: Gtk.SelectionData, *_: object) -> None:
+    def on_drag_begin(self, _widget: Gtk.Widget, context: Gdk.DragContext) -> None:
+        self.action = "none"
+        self.watch = GLib.timeout_add(10, self.tell_action, context)
+
+    def tell_action(self, context: Gdk.DragContext) -> bool:
+        action = context.get_selected_action().first_value_nick or "none"
+        if action != self.action:
+            self.action = action
+            say(action=action)
+        return True
+
+    def on_drag_data_get(self, _widget: Gtk.Widget, _context: Gdk.DragContext, data: Gtk.SelectionData,
+                         *_: object) -> None:
         data.set(data.get_target(), 8, self.offer["data"].encode())
 
     def on_drag_failed(self, _widget: Gtk.Widget, _context: Gdk.DragContext, _reason: Gtk.DragResult) -> bool:
@@ -51,7 +65,9 @@ class DragSource(Gtk.Window):
         return True  # no picture that flies back
 
     def on_drag_end(self, _widget: Gtk.Widget, context: Gdk.DragContext) -> None:
-        say(accepted=not self.refused, action=context.get_selected_action().first_value_nick or "none")
+        self.tell_action(context)
+        GLib.source_remove(self.watch)
+        say(accepted=not self.refused)
 
 
 def main() -> None:
@@ -64,7 +80,8 @@ def main() -> None:
         Gtk.main_quit()
         return False
 
-    GLib.io_add_watch(GLib.IOChannel.unix_new(0), GLib.PRIORITY_DEFAULT, GLib.IOCondition.IN | GLib.IOCondition.HUP, on_line)
+    GLib.io_add_watch(GLib.IOChannel.unix_new(0), GLib.PRIORITY_DEFAULT, GLib.IOCondition.IN | GLib.IOCondition.HUP,
+                      on_line)
     Gtk.main()
 
 

@@ -16,6 +16,7 @@ if TYPE_CHECKING:
 
 PLACE = (1520, 1120)  # the lower right corner, where no other window is
 ANSWER_SECONDS = 20.0
+HOVER_SECONDS, HOVER_MOVES = 1.0, 10
 
 
 def links(*files: Path) -> dict[str, str]:
@@ -28,34 +29,46 @@ class DragSource:
         self._hands = hands
         self._program = desktop.start("/usr/bin/python3", str(Path(__file__).with_name("drag_source.py")),
                                       *map(str, PLACE), stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True, bufsize=1)
-        self._answer()
+        self._wait_for("shown")
 
-    def _answer(self) -> dict[str, Any]:
-        if not select.select([self._program.stdout], [], [], ANSWER_SECONDS)[0]:
-            raise AssertionError("the drag's source does not answer")
+    def _answer(self, seconds: float = ANSWER_SECONDS) -> dict[str, Any]:
+        """The next thing that the source tells; nothing if it has nothing to tell for so long."""
+        if not select.select([self._program.stdout], [], [], seconds)[0]:
+            return {}
         line = self._program.stdout.readline()
         if not line:
             raise AssertionError("the drag's source has ended")
         return json.loads(line)
 
-    def hover(self, offer: dict[str, str], place: tuple[int, int]) -> None:
-        """Drags up to a place and holds the button."""
+    def _wait_for(self, key: str) -> dict[str, Any]:
+        while key not in (answer := self._answer()):
+            if not answer:
+                raise AssertionError(f"the drag's source does not tell {key!r}")
+        return answer
+
+    def hover(self, offer: dict[str, str], place: tuple[int, int]) -> str:
+        """Drags up to a place and holds the button. @return what would be done there with the offer, "copy" or "none" """
         self._program.stdin.write(json.dumps(offer) + "\n")
-        self._answer()
+        self._wait_for("offered")
         x, y = PLACE
         self._hands.move((x + 30, y + 30))
         self._hands.press()
         for step in (1, 2):  # beyond the distance that begins a drag
             self._hands.move((x + 30 - 15 * step, y + 30 - 15 * step))
-        for step in (4, 0, 2):  # over the target more than once: the first moves only make the two meet
-            self._hands.move((place[0] + step, place[1]))
+        # The window has a while to make up its mind; that it refuses is told by silence.
+        for step in range(HOVER_MOVES):
+            self._hands.move((place[0] + step % 3, place[1]))
+            answer = self._answer(HOVER_SECONDS / HOVER_MOVES)
+            if answer.get("action", "none") != "none":
+                return answer["action"]
+        return "none"
 
-    def release(self) -> dict[str, Any]:
-        """Lets go. @return "accepted" and, when it was, the "action" """
+    def release(self) -> bool:
+        """Lets go. @return whether the offer was taken"""
         self._hands.release()
-        return self._answer()
+        return self._wait_for("accepted")["accepted"]
 
-    def drop(self, offer: dict[str, str], place: tuple[int, int]) -> dict[str, Any]:
+    def drop(self, offer: dict[str, str], place: tuple[int, int]) -> bool:
         self.hover(offer, place)
         return self.release()
 

@@ -63,7 +63,8 @@ def main() -> None:
             portal.change(int(line))
         return bool(line)
 
-    GLib.io_add_watch(GLib.IOChannel.unix_new(0), GLib.PRIORITY_DEFAULT, GLib.IOCondition.IN | GLib.IOCondition.HUP, on_line)
+    GLib.io_add_watch(GLib.IOChannel.unix_new(0), GLib.PRIORITY_DEFAULT, GLib.IOCondition.IN | GLib.IOCondition.HUP,
+                      on_line)
     GLib.MainLoop().run()
 
 

@@ -37,8 +37,7 @@ class KeyboardTest(WindowTestCase):
 
     def round_trip(self, key: str, length: int) -> list[Element]:
         """All that has the keyboard in turn, until it is the first one's again."""
-        self.program.button("Clear").focus()
-        self.program.wait_for_focus(BUTTON, "Clear")
+        self.focus(BUTTON, "Clear")
         stops = [self.program.focused()]
         for _ in range(length):
             stops.append(self.key_and_wait(key, stops[-1]))
@@ -92,8 +91,7 @@ class KeyboardTest(WindowTestCase):
     def test_space_and_return_press_the_button_with_the_focus(self):
         self.load_tone()
         for key, name, position in (("space", "Forward 15 seconds", "0:15"), ("space", "Back 15 seconds", "0:00")):
-            self.program.button(name).focus()
-            self.program.wait_for_focus(BUTTON, name)
+            self.focus(BUTTON, name)
             self.hands.keys(key)
             wait_until(lambda position=position: self.program.texts()[-2] == position, position)
 

@@ -35,8 +35,7 @@ class KeysTest(WindowTestCase):
             for opened in (False, True):
                 with self.subTest(typed=typed, opened=opened):
                     self.choose_key(picker, "C major")
-                    self.program.find("combo box", picker).focus()
-                    self.program.wait_for_focus("combo box", picker)
+                    self.focus("combo box", picker)
                     if opened:
                         self.hands.keys("space")
                         self.program.find("list item", "C major")
@@ -47,8 +46,7 @@ class KeysTest(WindowTestCase):
                     self.wait_for_closed_pickers()
 
     def test_arrows_choose_the_neighbours(self):
-        self.program.find("combo box", "New key").focus()
-        self.program.wait_for_focus("combo box", "New key")
+        self.focus("combo box", "New key")
         self.hands.keys("Down")
         self.wait_for_key("New key", "B major")
         self.hands.keys("Up", "Up")
@@ -56,7 +54,7 @@ class KeysTest(WindowTestCase):
         self.program.wait_for_text("Down 1 semitone.")
 
     def test_the_open_list_obeys_the_keyboard(self):
-        self.program.find("combo box", "New key").press()
+        self.open_picker("New key")
         self.program.find("list item", "C major")
         self.hands.keys("Home", "Down", "Return")
         self.wait_for_key("New key", "C# / Db major")
@@ -64,7 +62,7 @@ class KeysTest(WindowTestCase):
         self.program.wait_for_text("Up 3 semitones.")
 
     def test_a_list_closes_with_escape_and_changes_nothing(self):
-        self.program.find("combo box", "New key").press()
+        self.open_picker("New key")
         self.program.find("list item", "C major")
         self.hands.keys("Home", "Escape")
         self.wait_for_closed_pickers()

@@ -8,7 +8,7 @@ from pathlib import Path
 from cases import WindowTestCase
 from dragging import links
 from processes import wait_until
-from screen import changed_pixels
+from screen import Area, changed_pixels
 
 EMPTY = ("No file selected", "Waiting for audio", "MP3, WAV, M4A, AIFF, and other browser-readable formats")
 LINK = {"type": "text/uri-list", "data": "https://tonvale.example/song.mp3\r\n"}
@@ -18,8 +18,9 @@ TEXT = {"type": "text/plain", "data": "song.mp3"}
 class DropTest(WindowTestCase):
     def test_a_dropped_song_is_loaded(self):
         song = self.tone("take2.wav", seconds=75)
-        answer = self.drop(song)
-        self.assertEqual(answer, {"accepted": True, "action": "copy"})  # a move would take the song from its folder
+        # A move would take the song from its folder.
+        self.assertEqual(self.drag_source.hover(links(song), self.drop_place()), "copy")
+        self.assertTrue(self.drag_source.release())
         self.program.wait_for_text("take2.wav", "WAV audio file", "File loaded", "Ready", "1:15",
                                    "Drag the timeline or use the skip buttons to jump through the song.")
         for name in ("Convert to Bb", "Auto Detect Song Details", "Play preview", "Back 15 seconds", "Forward 15 seconds"):
@@ -35,14 +36,14 @@ class DropTest(WindowTestCase):
 
     def test_text_and_web_links_are_refused(self):
         for offer in (TEXT, LINK):
-            self.assertFalse(self.drag_source.drop(offer, self.drop_place())["accepted"], offer)
+            self.assertFalse(self.drag_source.drop(offer, self.drop_place()), offer)
         self.program.wait_for_text(*EMPTY)
 
     def test_folders_and_other_files_are_ignored(self):
         note = self.folder / "note.wav"
         note.write_text("This is no song, whatever its name says.\n")
         for file in (self.desktop.make_folder("album.mp3"), note):
-            self.assertTrue(self.drop(file)["accepted"])
+            self.assertTrue(self.drop(file))
         self.load_tone(name="afterwards.wav")  # loads are done in order, so the two have been dealt with
         self.drop(note)
         self.program.press("Play preview")
@@ -50,18 +51,18 @@ class DropTest(WindowTestCase):
 
     def test_the_panel_is_outlined_while_a_file_hovers_and_only_then(self):
         place = self.drop_place()
-        corner = self.program.button("Browse files").area.grown(160)
+        corner = Area(place[0] - 120, place[1] - 200, 80, 80)  # the upper left one of the panel
         before = self.screen.picture(corner)
 
-        def highlighted() -> bool:
-            return changed_pixels(before, self.screen.picture(corner)) > 100
-        for offer, expected in ((LINK, False), (links(self.tone()), True)):
-            self.drag_source.hover(offer, place)
-            if expected:
-                wait_until(highlighted, "the outline to change")
-            self.hands.move((place[0], place[1] + 500))
+        def is_outlined() -> bool:
+            return changed_pixels(before, self.screen.picture(corner)) > 50
+        for offer in (LINK, TEXT, links(self.tone())):
+            taken = self.drag_source.hover(offer, place)
+            self.assertEqual(taken, "copy" if offer not in (LINK, TEXT) else "none")
+            wait_until(lambda taken=taken: is_outlined() == (taken == "copy"), f"the outline to tell {taken!r}")
+            self.hands.move((place[0], place[1] + 300))
+            wait_until(lambda: not is_outlined(), "the outline to be as before")
             self.drag_source.release()
-            wait_until(lambda: not highlighted(), "the outline to be as before")
         self.program.wait_for_text(*EMPTY)
 
     def test_names_with_special_characters_stay_whole(self):

@@ -137,8 +137,7 @@ class MovingTest(PreviewCase):
 
     def test_arrows_on_the_timeline_move_the_song(self):
         timeline = self.program.find("slider", "Position")
-        timeline.focus()
-        self.program.wait_for_focus("slider", "Position")
+        self.focus("slider", "Position")
         self.hands.keys("Right")
         wait_until(lambda: timeline.value > 0, "the position to move")
         step = timeline.value
