@@ -91,7 +91,7 @@ class Element:
 
     @property
     def range(self) -> tuple[float, float]:
-        return self.read_property("Value", "MinimumValue"), self.property("Value", "MaximumValue")
+        return self.read_property("Value", "MinimumValue"), self.read_property("Value", "MaximumValue")
 
     @property
     def text(self) -> str:
