@@ -95,7 +95,8 @@ class WindowTestCase(unittest.TestCase):
         self.wait_for_closed_pickers()
 
     def open_picker(self, picker: str) -> None:
-        self.hands.click(self.program.find("combo box", picker).area.middle)
+        self.focus("combo box", picker)
+        self.hands.keys("space")
         self.program.find("list item", KEYS[0])
 
     def focus(self, role: str, name: str) -> None:
