@@ -5,8 +5,9 @@
 from __future__ import annotations
 
 import json
-import select
+import queue
 import subprocess
+import threading
 from pathlib import Path
 from typing import TYPE_CHECKING, Any
 
@@ -28,17 +29,27 @@ class DragSource:
     def __init__(self, desktop: Desktop, hands: Hands) -> None:
         self._hands = hands
         self._program = desktop.start("/usr/bin/python3", str(Path(__file__).with_name("drag_source.py")),
-                                      *map(str, PLACE), stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True, bufsize=1)
+                                      *map(str, PLACE), stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True,
+                                      bufsize=1)
+        self._lines: queue.Queue[str] = queue.Queue()
+        threading.Thread(target=self._read, daemon=True).start()
         self._wait_for("shown")
 
     def _answer(self, seconds: float = ANSWER_SECONDS) -> dict[str, Any]:
         """The next thing that the source tells; nothing if it has nothing to tell for so long."""
-        if not select.select([self._program.stdout], [], [], seconds)[0]:
+        try:
+            line = self._lines.get(timeout=seconds)
+        except queue.Empty:
             return {}
-        line = self._program.stdout.readline()
         if not line:
             raise AssertionError("the drag's source has ended")
         return json.loads(line)
+
+    def _read(self) -> None:
+        with self._program.stdout as lines:
+            for line in lines:
+                self._lines.put(line)
+        self._lines.put("")
 
     def _wait_for(self, key: str) -> dict[str, Any]:
         while key not in (answer := self._answer()):
@@ -75,4 +86,3 @@ class DragSource:
     def close(self) -> None:
         self._program.stdin.close()
         self._program.wait(ANSWER_SECONDS)
-        self._program.stdout.close()
