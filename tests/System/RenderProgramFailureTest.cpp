@@ -6,38 +6,15 @@
 
 #include <fcntl.h>
 #include <sched.h>
-#include <sys/inotify.h>
 #include <sys/mount.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
-#include <array>
 #include <csignal>
-#include <cstdint>
-#include <fstream>
-#include <functional>
 #include <optional>
-#include <string_view>
 
 namespace tonvale {
 namespace {
-
-/// Blocks until a file of this name appears in the folder.
-void waitForFile(const std::filesystem::path& folder, const std::string& name,
-                 const std::function<void()>& start)
-{
-    const int watch = ::inotify_init1(IN_CLOEXEC);
-    ASSERT_GE(::inotify_add_watch(watch, folder.c_str(), IN_CREATE), 0);
-    start();
-    alignas(inotify_event) std::array<char, 4096> events{};
-    for (bool isThere = false; !isThere;) {
-        const ssize_t count = ::read(watch, events.data(), events.size());
-        ASSERT_GT(count, 0);
-        const std::string_view text(events.data(), static_cast<std::size_t>(count));
-        isThere = text.find(name) != std::string_view::npos;
-    }
-    ::close(watch);
-}
 
 TEST_F(RenderProgram, SaysWhyItCannotWrite)
 {
@@ -88,26 +65,12 @@ TEST_F(RenderProgram, ReportsAFullDisk)
 
 class Interrupted : public RenderProgram, public ::testing::WithParamInterface<int> {
 protected:
-    /// Three hours of silence that take no room on the disk: still rendering when the signal comes.
-    void makeLongSong() const
-    {
-        makeSong("song.wav", 0);
-        std::fstream header(in("song.wav"), std::ios::in | std::ios::out | std::ios::binary);
-        header.seekp(40);
-        constexpr std::uint32_t dataBytes = 3U * 3600 * 44100 * 4;
-        for (int byte = 0; byte < 4; ++byte) {
-            header.put(static_cast<char>(dataBytes >> (8 * byte)));
-        }
-        header.close();
-        std::filesystem::resize_file(in("song.wav"), 44 + std::uintmax_t{dataBytes});
-    }
-
     /// Starts a render and returns when its output is there.
     void start(std::optional<test::RunningProgram>& program)
     {
         ProgramOptions options;
         options.folder = folder.path();
-        waitForFile(folder.path(), "out.wav", [&] {
+        waitForFiles(folder.path(), {"out.wav"}, [&] {
             program.emplace(std::vector<std::string>{TONVALE_RENDER, "song.wav", "--semitones", "1",
                                                      "-o", "out.wav"},
                             options);
@@ -119,7 +82,7 @@ INSTANTIATE_TEST_SUITE_P(RenderProgram, Interrupted, ::testing::Values(SIGINT, S
 
 TEST_P(Interrupted, RemovesItsUnfinishedOutputAndDiesOfTheSignal)
 {
-    makeLongSong();
+    makeEndlessSong("song.wav");
     std::optional<test::RunningProgram> program;
     start(program);
     // Terminals and timeouts often send the signal twice.
@@ -138,7 +101,7 @@ TEST_F(RenderProgram, TellsThatItsOutputWasDeletedMeanwhile)
     ProgramOptions options;
     options.folder = folder.path();
     std::optional<test::RunningProgram> program;
-    waitForFile(folder.path(), "out.wav", [&] {
+    waitForFiles(folder.path(), {"out.wav"}, [&] {
         program.emplace(std::vector<std::string>{TONVALE_RENDER, "song.wav", "--semitones", "1",
                                                  "-o", "out.wav"},
                         options);

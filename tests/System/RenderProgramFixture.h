@@ -10,9 +10,19 @@
 
 #include <gtest/gtest.h>
 
+#include <fcntl.h>
+#include <sys/inotify.h>
+#include <unistd.h>
+
 #include <algorithm>
+#include <array>
 #include <cstddef>
+#include <cstdint>
+#include <cstdlib>
 #include <filesystem>
+#include <fstream>
+#include <functional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -45,6 +55,27 @@ protected:
         test::writeSong(in(name), 44100, test::tones({440, 660}, 44100, frames));
     }
 
+    /// Three hours of silence that take no room on the disk: whoever renders it is still at it when
+    /// a signal comes.
+    void makeEndlessSong(const std::string& name) const
+    {
+        makeSong(name, 0);
+        std::fstream header(in(name), std::ios::in | std::ios::out | std::ios::binary);
+        header.seekp(40);
+        constexpr std::uint32_t dataBytes = 3U * 3600 * 44100 * 4;
+        for (int byte = 0; byte < 4; ++byte) {
+            header.put(static_cast<char>(dataBytes >> (8 * byte)));
+        }
+        header.close();
+        std::filesystem::resize_file(in(name), 44 + std::uintmax_t{dataBytes});
+    }
+
+    void makeDemoTune(const std::string& name) const
+    {
+        const std::string maker = TONVALE_SOURCES "/scripts/make-demo-tune";
+        ASSERT_EQ(test::runProgram({maker, in(name).string()}).exitStatus, 0);
+    }
+
     void convert(const std::vector<std::string>& arguments) const
     {
         std::vector<std::string> words{"ffmpeg", "-nostdin", "-loglevel", "error", "-y"};
@@ -75,6 +106,41 @@ protected:
         EXPECT_TRUE(result.standardError.starts_with("tonvale-render: ")) << result.standardError;
         EXPECT_EQ(std::ranges::count(result.standardError, '\n'), 1) << result.standardError;
         EXPECT_TRUE(result.standardError.ends_with("\n"));
+    }
+
+    /// Blocks until files of these names have appeared in the folder.
+    static void waitForFiles(const std::filesystem::path& folder, std::set<std::string> names,
+                             const std::function<void()>& start)
+    {
+        const FileDescriptor watch(::inotify_init1(IN_CLOEXEC));
+        ASSERT_GE(::inotify_add_watch(watch.get(), folder.c_str(), IN_CREATE), 0);
+        start();
+        alignas(inotify_event) std::array<char, 4096> events{};
+        while (!names.empty()) {
+            const ssize_t count = ::read(watch.get(), events.data(), events.size());
+            ASSERT_GT(count, 0);
+            for (std::size_t place = 0; place < static_cast<std::size_t>(count);) {
+                const auto* event = reinterpret_cast<const inotify_event*>(&events[place]);
+                names.erase(event->name);
+                place += sizeof(inotify_event) + event->len;
+            }
+        }
+    }
+
+    static bool hasTerminals()
+    {
+        const FileDescriptor terminal(::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC));
+        return terminal.isOpen() && ::unlockpt(terminal.get()) == 0
+               && std::filesystem::exists(::ptsname(terminal.get()));
+    }
+
+    /// script(1) gives the program a terminal and copies what it draws.
+    /// @param arguments  separated by blanks
+    [[nodiscard]] ProgramResult renderOnTerminal(const std::string& arguments) const
+    {
+        return test::runProgram({"script", "--quiet", "--return", "--command",
+                                 std::string(TONVALE_RENDER) + " " + arguments, "/dev/null"},
+                                {folder.path(), [] {}});
     }
 
     test::TemporaryFolder folder;

@@ -4,9 +4,6 @@
 
 #include "System/RenderProgramFixture.h"
 
-#include <fcntl.h>
-
-#include <cstdlib>
 #include <fstream>
 
 namespace tonvale {
@@ -42,11 +39,7 @@ TEST_F(RenderProgram, WritesOtherContainersWhereAskedTo)
 
 class Detection : public RenderProgram {
 protected:
-    void SetUp() override
-    {
-        const std::string maker = TONVALE_SOURCES "/scripts/make-demo-tune";
-        ASSERT_EQ(test::runProgram({maker, in("tune.wav").string()}).exitStatus, 0);
-    }
+    void SetUp() override { makeDemoTune("tune.wav"); }
 };
 
 TEST_F(Detection, PrintsTheKeyAndTheTempoOfASongInTwoLines)
@@ -79,7 +72,7 @@ TEST_F(RenderProgram, AnswersHelpAndVersion)
 {
     const ProgramResult help = render({"--help"});
     EXPECT_EQ(help.exitStatus, 0);
-    EXPECT_TRUE(help.standardOutput.starts_with("Usage: tonvale-render INPUT"));
+    EXPECT_TRUE(help.standardOutput.starts_with("Usage: tonvale-render INPUT... "));
     const ProgramResult version = render({"--version"});
     EXPECT_EQ(version.exitStatus, 0);
     EXPECT_EQ(version.standardOutput, "tonvale-render " TONVALE_VERSION "\n");
@@ -87,13 +80,13 @@ TEST_F(RenderProgram, AnswersHelpAndVersion)
 
 TEST_F(RenderProgram, AnswersWrongUseByStatusTwo)
 {
-    for (const std::vector<std::string>& arguments :
-         std::vector<std::vector<std::string>>{{},
-                                               {"a.wav"},
-                                               {"a.wav", "--semitones", "7"},
-                                               {"a.wav", "--from", "H", "--to", "C"},
-                                               {"a.wav", "--louder"},
-                                               {"a.wav", "b.wav", "--cents", "1"}}) {
+    for (const std::vector<std::string>& arguments : std::vector<std::vector<std::string>>{
+             {},
+             {"a.wav"},
+             {"a.wav", "--semitones", "7"},
+             {"a.wav", "--from", "H", "--to", "C"},
+             {"a.wav", "--louder"},
+             {"a.wav", "b.wav", "--cents", "1"}}) {  // neither is there
         const ProgramResult result = render(arguments);
         EXPECT_EQ(result.exitStatus, 2);
         EXPECT_EQ(result.standardOutput, "");
@@ -149,16 +142,10 @@ TEST_F(RenderProgram, TakesAnyNameThatAFileCanHave)
 TEST_F(RenderProgram, DrawsItsProgressOnATerminalOnly)
 {
     makeSong("song.wav", 44100 * 60);
-    if (const FileDescriptor terminal(::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC));
-        !terminal.isOpen() || ::unlockpt(terminal.get()) != 0
-        || !std::filesystem::exists(::ptsname(terminal.get()))) {
+    if (!hasTerminals()) {
         GTEST_SKIP() << "there are no pseudo-terminals here";
     }
-    // script(1) gives the program a terminal and copies what it draws.
-    const ProgramResult result = test::runProgram(
-        {"script", "--quiet", "--return", "--command",
-         std::string(TONVALE_RENDER) + " song.wav --semitones 1 -o out.wav", "/dev/null"},
-        {folder.path(), [] {}});
+    const ProgramResult result = renderOnTerminal("song.wav --semitones 1 -o out.wav");
     EXPECT_EQ(result.exitStatus, 0);
     EXPECT_NE(result.standardOutput.find(" %  0:"), std::string::npos) << result.standardOutput;
     EXPECT_NE(result.standardOutput.find("Saved \"out.wav\""), std::string::npos);

@@ -4,11 +4,16 @@
 
 #include "TonvaleRender/CommandLine.h"
 
+#include "TonvaleRender/HelpText.h"
 #include "TonvaleRender/UsageError.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstddef>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace tonvale {
@@ -34,12 +39,15 @@ std::string refusalOf(const std::vector<std::string>& words)
     return "(accepted)";
 }
 
-TEST(CommandLine, TakesTheShortestWayBetweenTwoKeys)
+using ::testing::ElementsAre;
+
+TEST(CommandLine, TakesTwoKeys)
 {
     const RenderRequest request = parse({"Song.mp3", "--from", "C", "--to", "A minor"}).request;
-    EXPECT_EQ(request.input, "Song.mp3");
-    EXPECT_EQ(request.cents, -300);
-    EXPECT_EQ(request.targetKey, MusicKey::aMinor);
+    EXPECT_THAT(request.inputs, ElementsAre("Song.mp3"));
+    EXPECT_EQ(request.sourceKey, MusicKey::cMajor);
+    EXPECT_THAT(request.targetKeys, ElementsAre(MusicKey::aMinor));
+    EXPECT_FALSE(request.detectsSourceKey());
     EXPECT_FALSE(request.output || request.replacesOutput || request.isQuiet);
 }
 
@@ -64,7 +72,7 @@ TEST(CommandLine, TakesOptionsInAnyOrderAndNamesWithADashAfterTwoDashes)
 {
     const RenderRequest request =
         parse({"--quiet", "-o", "out.wav", "--cents", "5", "--force", "--", "-song.wav"}).request;
-    EXPECT_EQ(request.input, "-song.wav");
+    EXPECT_THAT(request.inputs, ElementsAre("-song.wav"));
     EXPECT_EQ(request.output, "out.wav");
     EXPECT_TRUE(request.replacesOutput);
     EXPECT_TRUE(request.isQuiet);
@@ -83,12 +91,53 @@ TEST(CommandLine, DetectsInPlaceOfTheRecordedKeyOrAlone)
 {
     const CommandLine both = parse({"a", "--detect", "--to", "F#"});
     EXPECT_EQ(both.action, CommandLine::Action::render);
-    EXPECT_TRUE(both.request.detectsSourceKey);
-    EXPECT_EQ(both.request.targetKey, MusicKey::fSharpMajor);
+    EXPECT_TRUE(both.request.detectsSourceKey());
+    EXPECT_THAT(both.request.targetKeys, ElementsAre(MusicKey::fSharpMajor));
     const CommandLine alone = parse({"a", "--detect"});
     EXPECT_EQ(alone.action, CommandLine::Action::detect);
-    EXPECT_EQ(alone.request.input, "a");
-    EXPECT_FALSE(parse({"a", "--from", "C", "--to", "D"}).request.detectsSourceKey);
+    EXPECT_THAT(alone.request.inputs, ElementsAre("a"));
+    EXPECT_FALSE(parse({"a", "--cents", "1"}).request.detectsSourceKey());
+}
+
+TEST(CommandLine, TakesManySongs)
+{
+    const CommandLine render = parse({"a", "--cents", "1", "b", "-o", "out/", "--", "-c"});
+    EXPECT_THAT(render.request.inputs, ElementsAre("a", "b", "-c"));
+    EXPECT_EQ(render.request.output, "out/");
+    const CommandLine detection = parse({"a", "b", "--detect", "--jobs", "3", "--quiet"});
+    EXPECT_THAT(detection.request.inputs, ElementsAre("a", "b"));
+    EXPECT_EQ(detection.request.jobs, 3U);
+    EXPECT_TRUE(detection.request.isQuiet);
+}
+
+TEST(CommandLine, TakesAllForTheTwelveKeysOfTheMode)
+{
+    const auto major = parse({"a", "--from", "F", "--to", "all"}).request.targetKeys;
+    const auto minor = parse({"a", "--from", "f minor", "--to", "all"}).request.targetKeys;
+    const auto heard = parse({"a", "--detect", "--to", "all"}).request;
+    ASSERT_EQ(major.size(), 12U);
+    ASSERT_EQ(minor.size(), 12U);
+    for (std::size_t note = 0; note < 12; ++note) {
+        EXPECT_EQ(major[note], MusicKey::allCases()[note]);
+        EXPECT_EQ(minor[note], MusicKey::allCases()[12 + note]);
+    }
+    EXPECT_EQ(heard.targetKeys.size(), 12U);
+    EXPECT_TRUE(heard.detectsSourceKey());
+    EXPECT_NE(refusalOf({"a", "--from", "all", "--to", "C"}).find("\"all\" is not a key"),
+              std::string::npos);
+}
+
+TEST(CommandLine, RunsAsManyJobsAsThereAreProcessorsUnlessToldOtherwise)
+{
+    EXPECT_EQ(parse({"a", "--cents", "1"}).request.jobs,
+              std::max(1U, std::thread::hardware_concurrency()));
+    EXPECT_EQ(parse({"a", "--cents", "1", "--jobs", "64"}).request.jobs, 64U);
+    for (const std::string value : {"0", "65", "-1", "many", ""}) {
+        EXPECT_NE(refusalOf({"a", "--cents", "1", "--jobs", value})
+                      .find("--jobs takes a whole number from 1 to 64"),
+                  std::string::npos)
+            << value;
+    }
 }
 
 TEST(CommandLine, RefusesNumbersOutOfRangeAndWhatIsNoNumber)
@@ -121,8 +170,6 @@ TEST(CommandLine, RefusesAShiftThatIsMissingHalfOrDouble)
 TEST(CommandLine, RefusesWrongUseWithASentenceThatNamesIt)
 {
     EXPECT_EQ(refusalOf({"--cents", "1"}), "Which song? Name one audio file.");
-    EXPECT_EQ(refusalOf({"My", "Song.mp3", "--cents", "1"}),
-              "Name one song only; names with blanks need quotes.");
     EXPECT_EQ(refusalOf({"a", "--cents"}), "\"--cents\" needs a value.");
     EXPECT_EQ(refusalOf({"a", "-o"}), "-o needs a value.");
     EXPECT_EQ(refusalOf({"a", "--loud"}), "\"--loud\" is not an option.");

@@ -14,57 +14,35 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <vector>
 
 namespace tonvale {
 namespace {
 
-RenderRequest requestFor(const std::filesystem::path& input)
+TEST(OutputFile, MayBeAFolderThatIsThereOrEndsWithASlash)
 {
-    RenderRequest request;
-    request.input = input;
-    return request;
+    const test::TemporaryFolder folder;
+    std::ofstream(folder.path() / "file.wav") << "content";
+    std::filesystem::create_directory(folder.path() / "folder.wav");
+    EXPECT_TRUE(isFolder(folder.path()));
+    EXPECT_TRUE(isFolder(folder.path() / "folder.wav"));
+    EXPECT_TRUE(isFolder("missing/"));
+    EXPECT_FALSE(isFolder("missing"));
+    EXPECT_FALSE(isFolder(folder.path() / "file.wav"));
+    EXPECT_FALSE(isFolder(""));
 }
 
-TEST(OutputFile, IsNamedAfterTheNewKey)
+TEST(OutputFile, HasItsFolderCreated)
 {
-    RenderRequest request = requestFor("/music/Night Song.mp3");
-    request.targetKey = MusicKey::eFlatMajor;
-    EXPECT_EQ(outputFor(request), "/music/Night Song - Key of Eb.wav");
-    request.targetKey = MusicKey::fSharpMinor;
-    EXPECT_EQ(outputFor(request), "/music/Night Song - Key of F#.wav");
-}
-
-TEST(OutputFile, IsNamedAfterTheShiftWhereNoKeyWasGiven)
-{
-    RenderRequest request = requestFor("Song.mp3");
-    request.countsSemitones = true;
-    request.cents = 300;
-    EXPECT_EQ(outputFor(request), "Song (+3 semitones).wav");
-    request.cents = -100;
-    EXPECT_EQ(outputFor(request), "Song (-1 semitone).wav");
-    request.cents = 0;
-    EXPECT_EQ(outputFor(request), "Song (0 semitones).wav");
-    request.countsSemitones = false;
-    request.cents = -150;
-    EXPECT_EQ(outputFor(request), "Song (-150 cents).wav");
-}
-
-TEST(OutputFile, LosesOnlyTheLastExtensionOfTheSong)
-{
-    RenderRequest request = requestFor("a.b.mp3");
-    request.targetKey = MusicKey::cMajor;
-    EXPECT_EQ(outputFor(request), "a.b - Key of C.wav");
-    request.input = "noextension";
-    EXPECT_EQ(outputFor(request), "noextension - Key of C.wav");
-    request.input = "dir.with.dots/.mp3";
-    EXPECT_EQ(outputFor(request), "dir.with.dots/.mp3 - Key of C.wav");
-}
-
-TEST(OutputFile, IsTheOneAskedFor)
-{
-    RenderRequest request = requestFor("Song.mp3");
-    request.output = "elsewhere/out.aiff";
-    EXPECT_EQ(outputFor(request), "elsewhere/out.aiff");
+    const test::TemporaryFolder folder;
+    createFolder(folder.path() / "new" / "deep/");
+    EXPECT_TRUE(std::filesystem::is_directory(folder.path() / "new" / "deep"));
+    createFolder(folder.path() / "new/");
+    std::ofstream(folder.path() / "file") << "content";
+    for (const auto& output : {folder.path() / "file/", folder.path() / "file" / "new/",
+                               std::filesystem::path("/proc/new/")}) {
+        EXPECT_THROW(createFolder(output), LocalizedError) << output;
+    }
 }
 
 class CheckOutput : public ::testing::Test {
@@ -78,10 +56,8 @@ protected:
 
     std::string refusalOf(const std::filesystem::path& output, bool isForced = false)
     {
-        RenderRequest request = requestFor(song);
-        request.replacesOutput = isForced;
         try {
-            checkOutput(output, request);
+            checkOutput(output, InputFiles(songs), isForced);
         } catch (const LocalizedError& error) {
             return error.errorDescription();
         }
@@ -90,6 +66,7 @@ protected:
 
     test::TemporaryFolder folder;
     std::filesystem::path song = makeFile("song.wav");
+    std::vector<std::filesystem::path> songs{song};
 };
 
 TEST_F(CheckOutput, AcceptsANewFileOfAKnownContainer)
@@ -123,6 +100,15 @@ TEST_F(CheckOutput, NeverReplacesTheSongUnderAnyName)
     std::filesystem::create_symlink(song, softLink);
     for (const auto& output : {song, hardLink, softLink}) {
         EXPECT_NE(refusalOf(output, true).find("is the song itself"), std::string::npos) << output;
+    }
+}
+
+TEST_F(CheckOutput, NeverReplacesAnotherOfTheSongs)
+{
+    songs.push_back(makeFile("other.wav"));
+    for (const auto& output : songs) {
+        EXPECT_EQ(refusalOf(output, true),
+                  "\"" + output.string() + "\" is one of the songs and is left alone.");
     }
 }
 

@@ -14,8 +14,12 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <iterator>
+#include <optional>
+#include <string>
 #include <string_view>
 #include <system_error>
+#include <thread>
 #include <vector>
 
 namespace tonvale {
@@ -24,12 +28,14 @@ namespace {
 
 constexpr int mostSemitones = 6;
 constexpr int mostCents = 600;
+constexpr int mostJobs = 64;  // each holds the sound of a few seconds and its threads
 
 enum OptionCode : int {
     fromOption = 256,
     toOption,
     semitonesOption,
     centsOption,
+    jobsOption,
     forceOption,
     quietOption,
     detectOption,
@@ -37,12 +43,13 @@ enum OptionCode : int {
     versionOption,
 };
 
-constexpr std::array<option, 11> longOptions{{
+constexpr std::array<option, 12> longOptions{{
     {"from", required_argument, nullptr, fromOption},
     {"to", required_argument, nullptr, toOption},
     {"detect", no_argument, nullptr, detectOption},
     {"semitones", required_argument, nullptr, semitonesOption},
     {"cents", required_argument, nullptr, centsOption},
+    {"jobs", required_argument, nullptr, jobsOption},
     {"output", required_argument, nullptr, 'o'},
     {"force", no_argument, nullptr, forceOption},
     {"quiet", no_argument, nullptr, quietOption},
@@ -53,7 +60,7 @@ constexpr std::array<option, 11> longOptions{{
 
 /// The options as given, not yet checked against each other.
 struct GivenOptions {
-    std::optional<std::string> from, to, semitones, cents, output;
+    std::optional<std::string> from, to, semitones, cents, jobs, output;
     bool detect = false;
     bool force = false;
     bool quiet = false;
@@ -95,6 +102,8 @@ void take(GivenOptions& given, int code, const std::vector<char*>& words)
         return set(given.semitones, "--semitones");
     case centsOption:
         return set(given.cents, "--cents");
+    case jobsOption:
+        return set(given.jobs, "--jobs");
     case 'o':
         return set(given.output, "--output");
     case detectOption:
@@ -141,8 +150,11 @@ GivenOptions readOptions(std::span<char* const> arguments)
     return given;
 }
 
-/// @param limit  the number must lie in -limit ... limit
-int parseNumber(std::string_view text, int limit, const std::string& name)
+struct Range {
+    int least, most;
+};
+
+int parseNumber(std::string_view text, Range range, const std::string& name)
 {
     std::string_view digits = text;
     if (digits.starts_with('+') && !digits.starts_with("+-")) {
@@ -150,10 +162,10 @@ int parseNumber(std::string_view text, int limit, const std::string& name)
     }
     int number = 0;
     const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
-    if (error != std::errc() || end != digits.data() + digits.size() || number < -limit
-        || number > limit) {
-        throw UsageError(name + " takes a whole number from -" + std::to_string(limit) + " to "
-                         + std::to_string(limit) + ", not " + quotedText(text) + ".");
+    if (error != std::errc() || end != digits.data() + digits.size() || number < range.least
+        || number > range.most) {
+        throw UsageError(name + " takes a whole number from " + std::to_string(range.least) + " to "
+                         + std::to_string(range.most) + ", not " + quotedText(text) + ".");
     }
     return number;
 }
@@ -178,27 +190,49 @@ void checkShift(const GivenOptions& given)
     }
 }
 
+/// "all" stands for the twelve keys of a mode.
+std::vector<MusicKey> parseTargets(const std::string& text, std::optional<MusicKey> source)
+{
+    if (text != "all") {
+        return {parseKey(text)};
+    }
+    // Of a song that is still to be heard the mode is not known; the major keys serve as well,
+    // for the shift and the name of a file tell nothing but the note.
+    const bool isMinor = source && source->isMinor();
+    std::vector<MusicKey> keys;
+    std::ranges::copy_if(MusicKey::allCases(), std::back_inserter(keys),
+                         [&](MusicKey key) { return key.isMinor() == isMinor; });
+    return keys;
+}
+
 void setShift(RenderRequest& request, const GivenOptions& given)
 {
     checkShift(given);
     if (given.to) {
-        request.targetKey = parseKey(*given.to);
-    }
-    if (given.detect) {
-        request.detectsSourceKey = true;
-    } else if (given.from) {
-        request.cents =
-            centsForSemitones(semitonesBetween(parseKey(*given.from), *request.targetKey));
+        if (given.from) {
+            request.sourceKey = parseKey(*given.from);
+        }
+        request.targetKeys = parseTargets(*given.to, request.sourceKey);
     } else if (given.semitones) {
         request.countsSemitones = true;
-        request.cents =
-            centsForSemitones(parseNumber(*given.semitones, mostSemitones, "--semitones"));
+        request.cents = centsForSemitones(
+            parseNumber(*given.semitones, {-mostSemitones, mostSemitones}, "--semitones"));
     } else {
-        request.cents = parseNumber(*given.cents, mostCents, "--cents");
+        request.cents = parseNumber(*given.cents, {-mostCents, mostCents}, "--cents");
     }
 }
 
-/// One song; options pasted from a text may have lost their two dashes to a long one.
+unsigned jobsFor(const GivenOptions& given)
+{
+    if (given.jobs) {
+        return static_cast<unsigned>(parseNumber(*given.jobs, {1, mostJobs}, "--jobs"));
+    }
+    // The threads that each render keeps for itself wait for each other most of the time: as many
+    // renders as processors use all of them, and more would only take memory.
+    return std::clamp(std::thread::hardware_concurrency(), 1U, unsigned{mostJobs});
+}
+
+/// Options pasted from a text may have lost their two dashes to a long one.
 void checkInputs(const std::vector<std::string>& inputs)
 {
     const auto beginsWithLongDash = [](const std::string& word) {
@@ -207,9 +241,8 @@ void checkInputs(const std::vector<std::string>& inputs)
     if (std::ranges::any_of(inputs, beginsWithLongDash)) {
         throw UsageError("An option here begins with a long dash; type two short ones: --.");
     }
-    if (inputs.size() != 1) {
-        throw UsageError(inputs.empty() ? "Which song? Name one audio file."
-                                        : "Name one song only; names with blanks need quotes.");
+    if (inputs.empty()) {
+        throw UsageError("Which song? Name one audio file.");
     }
 }
 
@@ -232,55 +265,19 @@ CommandLine parseCommandLine(std::span<char* const> arguments)
     }
     checkInputs(given.inputs);
     RenderRequest& request = commandLine.request;
-    request.input = given.inputs.front();
+    request.inputs.assign(given.inputs.begin(), given.inputs.end());
     if (given.output) {
         request.output = *given.output;
     }
-    if (onlyDetects(given)) {
-        commandLine.action = CommandLine::Action::detect;
-        return commandLine;
-    }
-    setShift(request, given);
+    request.jobs = jobsFor(given);
     request.replacesOutput = given.force;
     request.isQuiet = given.quiet;
+    if (onlyDetects(given)) {
+        commandLine.action = CommandLine::Action::detect;
+    } else {
+        setShift(request, given);
+    }
     return commandLine;
-}
-
-std::string helpText()
-{
-    return R"(Usage: tonvale-render INPUT --from KEY --to KEY [-o OUTPUT] [--force] [--quiet]
-       tonvale-render INPUT --detect [--to KEY] [-o OUTPUT] [--force] [--quiet]
-       tonvale-render INPUT --semitones N [-o OUTPUT] [--force] [--quiet]
-       tonvale-render INPUT --cents N     [-o OUTPUT] [--force] [--quiet]
-
-Renders a song in another key, at the same tempo, into a new 16-bit audio file.
-
-      --from KEY       the key the recording is in
-      --detect         find the recording's key by listening, instead of --from;
-                       without --to only print the key and the tempo
-      --to KEY         the key it should be in; the shortest way is taken
-      --semitones N    shift by -6 to 6 semitones
-      --cents N        shift by -600 to 600 hundredths of a semitone
-  -o, --output OUTPUT  where to save: .wav, .aif, .aiff or .caf
-                       (beside the song, named after the shift)
-      --force          replace OUTPUT if it exists
-      --quiet          print nothing but errors
-      --help           show this help
-      --version        show the version
-
-A KEY is what musicians write: C, F#, Bb, "Eb minor", C#m, E♭.
-
-Examples:
-  tonvale-render Song.mp3 --from C --to Eb
-  tonvale-render "Night Song.m4a" --semitones -2 -o lower.wav
-
-Exit status: 0 rendered, 1 failed, 2 wrong use.
-)";
-}
-
-std::string versionText()
-{
-    return "tonvale-render " TONVALE_VERSION "\n";
 }
 
 }  // namespace tonvale

@@ -5,39 +5,20 @@
 #include "TonvaleRender/OutputFile.h"
 
 #include "Platform/Foundation/PlatformError.h"
-#include "Tonvale/Keys/ExportFileName.h"
-#include "Tonvale/Keys/TranspositionInterval.h"
 #include "TonvaleRender/TerminalText.h"
 
 #include <sys/stat.h>
 
 #include <algorithm>
 #include <array>
-#include <cstdlib>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <system_error>
 
 namespace tonvale {
 
 namespace {
-
-std::string countOf(int number, const std::string& unit)
-{
-    return formatSigned(number) + " " + unit + (std::abs(number) == 1 ? "" : "s");
-}
-
-std::filesystem::path defaultName(const RenderRequest& request)
-{
-    if (request.targetKey) {
-        return defaultExportFileName(request.input, *request.targetKey);
-    }
-    const std::string shift = request.countsSemitones ? countOf(request.cents / 100, "semitone")
-                                                      : countOf(request.cents, "cent");
-    std::filesystem::path name = request.input.stem();
-    name += " (" + shift + ").wav";
-    return name;
-}
 
 [[noreturn]] void refuse(const std::filesystem::path& output, const std::string& reason)
 {
@@ -80,15 +61,25 @@ void checkFolder(const std::filesystem::path& output)
 
 }  // namespace
 
-std::filesystem::path outputFor(const RenderRequest& request)
+bool isFolder(const std::filesystem::path& output)
 {
-    if (request.output) {
-        return *request.output;
-    }
-    return request.input.parent_path() / defaultName(request);
+    const auto status = statusOf(output);
+    return output.native().ends_with('/') || (status && S_ISDIR(status->st_mode));
 }
 
-void checkOutput(const std::filesystem::path& output, const RenderRequest& request)
+void createFolder(const std::filesystem::path& folder)
+{
+    std::error_code error;
+    std::filesystem::create_directories(folder, error);
+    if (!error && !std::filesystem::is_directory(folder, error)) {
+        error = std::make_error_code(std::errc::not_a_directory);
+    }
+    if (error) {
+        refuse(folder, "cannot be made a folder: " + error.message() + ".");
+    }
+}
+
+void checkOutput(const std::filesystem::path& output, const InputFiles& songs, bool replacesOutput)
 {
     checkExtension(output);
     checkFolder(output);
@@ -99,11 +90,11 @@ void checkOutput(const std::filesystem::path& output, const RenderRequest& reque
     if (!existing) {
         return;
     }
-    const auto input = statusOf(request.input);
-    if (input && input->st_dev == existing->st_dev && input->st_ino == existing->st_ino) {
-        refuse(output, "is the song itself and is left alone.");
+    if (songs.contains(*existing)) {
+        refuse(output, songs.areSeveral() ? "is one of the songs and is left alone."
+                                          : "is the song itself and is left alone.");
     }
-    if (!request.replacesOutput) {
+    if (!replacesOutput) {
         refuse(output, "exists already; --force replaces it.");
     }
 }

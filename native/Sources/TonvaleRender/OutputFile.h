@@ -4,20 +4,25 @@
 
 #pragma once
 
-#include "TonvaleRender/CommandLine.h"
+#include "TonvaleRender/InputFiles.h"
 
 #include <filesystem>
 
 namespace tonvale {
 
-/// Where the request's result goes: as asked, or beside the song under a name that tells the key
-/// ("Song - Key of Eb.wav") or the shift ("Song (+3 semitones).wav").
-[[nodiscard]] std::filesystem::path outputFor(const RenderRequest& request);
+/// Whether the name given for the output means a folder: one that is there, or any that ends with
+/// a slash.
+[[nodiscard]] bool isFolder(const std::filesystem::path& output);
+
+/// Makes sure the folder is there, creating it where it is not.
+/// @error LocalizedError with a whole sentence
+void createFolder(const std::filesystem::path& folder);
 
 /// Makes sure that writing `output` can harm nothing, before anything is touched: its extension
-/// names a container, its folder is there, it is not the input, no device, and no file that the
-/// user did not allow to replace.
+/// names a container, its folder is there, it is none of the songs, no device, and no file that
+/// the user did not allow to replace.
 /// @error LocalizedError with a whole sentence
-void checkOutput(const std::filesystem::path& output, const RenderRequest& request);
+/// @thread ANY
+void checkOutput(const std::filesystem::path& output, const InputFiles& songs, bool replacesOutput);
 
 }  // namespace tonvale

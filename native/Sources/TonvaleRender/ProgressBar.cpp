@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
 
 namespace tonvale {
 
@@ -33,24 +34,28 @@ ProgressBar::ProgressBar(std::ostream& output, Clock::time_point start)
 
 ProgressBar::~ProgressBar()
 {
+    wipe();
+}
+
+void ProgressBar::wipe()
+{
     if (lastDrawn_) {
         output_ << wipeLine << std::flush;
     }
+    lastDrawn_.reset();
 }
 
-void ProgressBar::update(std::int64_t done, std::int64_t total, Clock::time_point now)
+void ProgressBar::update(double share, const std::string& note, Clock::time_point now)
 {
     if (lastDrawn_ && now - *lastDrawn_ < redrawInterval) {
         return;
     }
     lastDrawn_ = now;
-    output_ << wipeLine << line(done, total, now - start_) << std::flush;
+    output_ << wipeLine << line(share, now - start_) << note << std::flush;
 }
 
-std::string ProgressBar::line(std::int64_t done, std::int64_t total,
-                              std::chrono::duration<double> elapsed)
+std::string ProgressBar::line(double share, std::chrono::duration<double> elapsed)
 {
-    const double share = total > 0 ? static_cast<double>(done) / static_cast<double>(total) : 1.0;
     const auto filled = static_cast<std::size_t>(share * barWidth);
     const std::string percent = std::to_string(static_cast<int>(share * 100));
     std::string text = "[" + std::string(filled, '#') + std::string(barWidth - filled, '-') + "] "

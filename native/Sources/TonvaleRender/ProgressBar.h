@@ -5,7 +5,6 @@
 #pragma once
 
 #include <chrono>
-#include <cstdint>
 #include <optional>
 #include <ostream>
 #include <string>
@@ -24,12 +23,15 @@ public:
     ProgressBar(const ProgressBar&) = delete;
     ProgressBar& operator=(const ProgressBar&) = delete;
 
-    /// Redraws at most ten times a second. @param done  0 ... total
-    void update(std::int64_t done, std::int64_t total, Clock::time_point now = Clock::now());
+    /// Redraws at most ten times a second.
+    /// @param share  what is done, 0 ... 1    @param note  to stand behind the bar; may be empty
+    void update(double share, const std::string& note = "", Clock::time_point now = Clock::now());
+
+    /// Wipes the line, so that something else can be written; the next update draws it again.
+    void wipe();
 
     /// "[######------------------------]  20 %  0:12 left"
-    [[nodiscard]] static std::string line(std::int64_t done, std::int64_t total,
-                                          std::chrono::duration<double> elapsed);
+    [[nodiscard]] static std::string line(double share, std::chrono::duration<double> elapsed);
 
 private:
     std::ostream& output_;

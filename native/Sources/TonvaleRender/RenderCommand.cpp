@@ -4,123 +4,223 @@
 
 #include "TonvaleRender/RenderCommand.h"
 
+#include "Platform/Audio/AudioFile.h"
 #include "Platform/Foundation/PlatformError.h"
 #include "Tonvale/Audio/AudioExportService.h"
-#include "Tonvale/EssentiaKeyDetector.h"
 #include "Tonvale/Keys/TranspositionInterval.h"
-#include "TonvaleRender/Interruption.h"
+#include "TonvaleRender/InputFiles.h"
+#include "TonvaleRender/InterruptibleJobs.h"
 #include "TonvaleRender/OutputFile.h"
-#include "TonvaleRender/ProgressBar.h"
+#include "TonvaleRender/RenderPlan.h"
+#include "TonvaleRender/RenderReport.h"
+#include "TonvaleRender/SongDetection.h"
 #include "TonvaleRender/TerminalText.h"
 
 #include <unistd.h>
 
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <exception>
 #include <iostream>
 #include <optional>
+#include <utility>
+#include <vector>
 
 namespace tonvale {
 
 namespace {
 
-struct Interrupted {
-    int signalNumber;
-    bool leavesOutput;  ///< an unfinished one of ours
-};
+using Results = std::vector<std::size_t>;
 
-/// Watches a render: draws the bar on a terminal and stops when the user asks. While the song is
-/// still being opened a signal ends the process by itself, as there is nothing to clean up.
-class Watcher {
+/// One run of the command: a job for each song, which leads to one for each of its results.
+class RenderRun {
 public:
-    explicit Watcher(bool drawsBar) : drawsBar_(drawsBar) {}
-
-    void operator()(RenderProgress progress)
-    {
-        if (!interruption_) {
-            interruption_.emplace();
-        }
-        if (const int signalNumber = interruption_->signalNumber(); signalNumber != 0) {
-            bar_.reset();
-            throw Interrupted{signalNumber, progress.renderedFrames > 0};
-        }
-        if (drawsBar_) {
-            draw(progress);
-        }
-    }
+    RenderRun(const RenderRequest& request, RenderPlan plan);
+    /// @return whether everything was saved
+    [[nodiscard]] bool run();
 
 private:
-    void draw(RenderProgress progress)
-    {
-        if (!bar_) {
-            bar_.emplace(std::cerr);
-        }
-        bar_->update(progress.renderedFrames, progress.totalFrames);
-    }
+    /// What the songs' results are numbered by: their places in the plan.
+    struct SongPlace {
+        std::size_t song;
+        std::size_t firstResult;
+    };
 
-    bool drawsBar_;
-    std::optional<Interruption> interruption_;  // until the process ends or the result is told
-    std::optional<ProgressBar> bar_;
+    void startSong(SongPlace place);
+    [[nodiscard]] Results resultsThatMayBeWritten(SongPlace place);
+    void prepare(PlannedSong& song);
+    void findKey(PlannedSong& song);
+    void addRender(SongPlace place, std::size_t result);
+    void render(const PlannedSong& song, const PlannedRender& render, std::size_t result);
+    void write(const PlannedSong& song, const PlannedRender& render, std::size_t result);
+    /// Runs a part of a job, of which these results fail if it does.
+    /// @return whether it did not
+    template <typename Part>
+    bool attempt(const Results& results, Part&& part);
+
+    const RenderRequest& request_;
+    RenderPlan plan_;
+    InputFiles inputs_;
+    RenderReport report_;
+    InterruptibleJobs jobs_;  // last: its jobs use all of the above
 };
 
-DetectedSongDetails detect(const std::filesystem::path& song)
+/// So that a song which cannot be read is told of once and not for each of its keys.
+void checkThatItOpens(const std::filesystem::path& song)
 {
     try {
-        return EssentiaKeyDetector::detectSongDetails(song);
+        (void)AudioFile::forReading(song);
     } catch (const LocalizedError& error) {
-        throw PlatformError("Could not detect the key of " + quotedName(song) + ": "
+        throw PlatformError("Could not render " + quotedName(song) + ": "
                             + error.errorDescription());
     }
 }
 
-void print(const DetectedSongDetails& details)
+RenderReport::Style styleFor(const RenderRequest& request, const RenderPlan& plan)
 {
-    for (const std::string& line : details.displayLines()) {
-        std::cout << line << '\n';
-    }
-    std::cout << std::flush;
+    return {.results = plan.renderCount(),
+            .tellsSuccess = !request.isQuiet,
+            .drawsBar = !request.isQuiet && ::isatty(STDERR_FILENO) == 1};
 }
 
-void render(const RenderRequest& request, int cents, const std::filesystem::path& output)
+RenderRun::RenderRun(const RenderRequest& request, RenderPlan plan)
+    : request_(request)
+    , plan_(std::move(plan))
+    , inputs_(request.inputs)
+    , report_(std::cout, std::cerr, styleFor(request, plan_))
+    , jobs_(static_cast<unsigned>(std::min<std::size_t>(request.jobs, plan_.renderCount())))
 {
-    Watcher watcher(!request.isQuiet && ::isatty(STDERR_FILENO) == 1);
+}
+
+bool RenderRun::run()
+{
+    if (plan_.folder) {
+        createFolder(*plan_.folder);
+    }
+    std::size_t result = 0;
+    for (std::size_t song = 0; song < plan_.songs.size(); ++song) {
+        jobs_.add(song, [this, place = SongPlace{song, result}] { startSong(place); });
+        result += plan_.songs[song].renders.size();
+    }
+    jobs_.finish([this] { report_.clear(); });
+    report_.clear();
+    if (!request_.isQuiet) {
+        report_.sumUp();
+    }
+    return !report_.hasFailures();
+}
+
+template <typename Part>
+bool RenderRun::attempt(const Results& results, Part&& part)
+{
     try {
-        AudioExportService::render(request.input, output, cents, std::ref(watcher));
-    } catch (const Interrupted& interrupted) {
-        if (interrupted.leavesOutput) {
-            ::unlink(output.c_str());
+        part();
+        return true;
+    } catch (const UnfinishedOutputs::Interrupted&) {
+        return false;  // the user knows
+    } catch (...) {
+        if (!jobs_.areInterrupted()) {
+            report_.failed(results, localizedDescription(std::current_exception()));
         }
-        endBySignal(interrupted.signalNumber);
-    } catch (const LocalizedError& error) {
-        throw PlatformError("Could not render " + quotedName(request.input) + " into "
-                            + quotedName(output) + ": " + error.errorDescription());
+        return false;
     }
 }
 
-/// Listens to the song and says what it hears. @return the shift to the key asked for
-int detectedCents(const RenderRequest& request)
+void RenderRun::startSong(SongPlace place)
 {
-    const DetectedSongDetails details = detect(request.input);
-    if (!request.isQuiet) {
-        print(details);
+    const Results results = resultsThatMayBeWritten(place);
+    if (results.empty() || !attempt(results, [&] { prepare(plan_.songs[place.song]); })) {
+        return;
     }
-    return centsForSemitones(semitonesBetween(details.musicKey(), *request.targetKey));
+    for (const std::size_t result : results) {
+        addRender(place, result);
+    }
+}
+
+/// What is done once for all results of a song.
+void RenderRun::prepare(PlannedSong& song)
+{
+    if (request_.detectsSourceKey()) {
+        findKey(song);
+    } else if (song.renders.size() > 1) {
+        checkThatItOpens(song.input);
+    }
+}
+
+/// Looked at before the song is listened to, which may take a while.
+Results RenderRun::resultsThatMayBeWritten(SongPlace place)
+{
+    Results results;
+    std::size_t result = place.firstResult;
+    for (const PlannedRender& render : plan_.songs[place.song].renders) {
+        if (attempt({result},
+                    [&] { checkOutput(render.output, inputs_, request_.replacesOutput); })) {
+            results.push_back(result);
+        }
+        ++result;
+    }
+    return results;
+}
+
+void RenderRun::findKey(PlannedSong& song)
+{
+    const DetectedSongDetails details = detectSong(song.input);
+    report_.say(detectionLines(song.input, details, inputs_.areSeveral()));
+    for (PlannedRender& render : song.renders) {
+        render.cents = centsForSemitones(semitonesBetween(details.musicKey(), *render.targetKey));
+    }
+}
+
+void RenderRun::addRender(SongPlace place, std::size_t result)
+{
+    jobs_.add(place.song, [this, place, result] {
+        const PlannedSong& song = plan_.songs[place.song];
+        attempt({result}, [&] { render(song, song.renders[result - place.firstResult], result); });
+    });
+}
+
+void RenderRun::render(const PlannedSong& song, const PlannedRender& render, std::size_t result)
+{
+    // Once more: in a long run the user may have put something there meanwhile.
+    checkOutput(render.output, inputs_, request_.replacesOutput);
+    try {
+        write(song, render, result);
+    } catch (const LocalizedError& error) {
+        throw PlatformError("Could not render " + quotedName(song.input) + " into "
+                            + quotedName(render.output) + ": " + error.errorDescription());
+    }
+    report_.succeeded(result, "Saved " + quotedName(render.output) + "\n");
+}
+
+void RenderRun::write(const PlannedSong& song, const PlannedRender& render, std::size_t result)
+{
+    std::optional<UnfinishedOutputs::Entry> unfinished;
+    const auto observe = [&](RenderProgress progress) {
+        if (unfinished) {
+            unfinished->check();
+        } else {
+            unfinished.emplace(jobs_.unfinishedOutputs());
+        }
+        report_.progress(
+            result, static_cast<double>(progress.renderedFrames)
+                        / static_cast<double>(std::max<std::int64_t>(progress.totalFrames, 1)));
+    };
+    try {
+        AudioExportService::render(song.input, render.output, render.cents, observe);
+    } catch (const UnfinishedOutputs::Interrupted&) {
+        if (unfinished) {
+            ::unlink(render.output.c_str());
+        }
+        throw;
+    }
 }
 
 }  // namespace
 
-void runDetection(const RenderRequest& request)
+bool runRender(const RenderRequest& request)
 {
-    print(detect(request.input));
-}
-
-void runRender(const RenderRequest& request)
-{
-    const std::filesystem::path output = outputFor(request);
-    checkOutput(output, request);
-    const int cents = request.detectsSourceKey ? detectedCents(request) : request.cents;
-    render(request, cents, output);
-    if (!request.isQuiet) {
-        std::cout << "Saved " << quotedName(output) << '\n' << std::flush;
-    }
+    return RenderRun(request, planRenders(request)).run();
 }
 
 }  // namespace tonvale

@@ -4,17 +4,15 @@
 
 #pragma once
 
-#include "TonvaleRender/CommandLine.h"
+#include "TonvaleRender/RenderRequest.h"
 
 namespace tonvale {
 
-/// Prints what listening to the song tells of its key and tempo, in two lines.
-/// @error LocalizedError with a whole sentence for the user
-void runDetection(const RenderRequest& request);
-
-/// Renders one song and tells where it was saved; where the request says so, finds its key first.
-/// An interrupted render removes its unfinished output and ends the process by the signal.
-/// @error LocalizedError with a whole sentence for the user
-void runRender(const RenderRequest& request);
+/// Renders the songs and tells where they were saved; where the request says so, finds their keys
+/// first. What fails is told of and does not stop the rest. An interrupted command removes its
+/// unfinished outputs and ends the process by the signal.
+/// @return whether everything was saved
+/// @error UsageError, LocalizedError with a whole sentence, before anything was written
+[[nodiscard]] bool runRender(const RenderRequest& request);
 
 }  // namespace tonvale

@@ -5,6 +5,8 @@
 #include "Platform/Foundation/LocalizedError.h"
 #include "Platform/Foundation/PlatformError.h"
 #include "TonvaleRender/CommandLine.h"
+#include "TonvaleRender/DetectCommand.h"
+#include "TonvaleRender/HelpText.h"
 #include "TonvaleRender/RenderCommand.h"
 #include "TonvaleRender/UsageError.h"
 
@@ -17,7 +19,8 @@ namespace {
 
 enum ExitStatus : int { success = 0, failure = 1, wrongUse = 2 };
 
-void run(std::span<char* const> arguments)
+/// @return whether all went well
+bool run(std::span<char* const> arguments)
 {
     const tonvale::CommandLine commandLine = tonvale::parseCommandLine(arguments);
     switch (commandLine.action) {
@@ -28,12 +31,11 @@ void run(std::span<char* const> arguments)
         std::cout << tonvale::versionText();
         break;
     case tonvale::CommandLine::Action::detect:
-        tonvale::runDetection(commandLine.request);
-        break;
+        return tonvale::runDetection(commandLine.request);
     case tonvale::CommandLine::Action::render:
-        tonvale::runRender(commandLine.request);
-        break;
+        return tonvale::runRender(commandLine.request);
     }
+    return true;
 }
 
 }  // namespace
@@ -45,11 +47,11 @@ int main(int argumentCount, char* arguments[])
     std::signal(SIGXFSZ, SIG_IGN);
     std::signal(SIGPIPE, SIG_IGN);
     try {
-        run(std::span(arguments, static_cast<std::size_t>(argumentCount)));
+        const bool isDone = run(std::span(arguments, static_cast<std::size_t>(argumentCount)));
         if (!std::cout.flush()) {
             throw tonvale::PlatformError("What there was to say could not be written.");
         }
-        return success;
+        return isDone ? success : failure;
     } catch (const tonvale::UsageError& error) {
         std::cerr << "tonvale-render: " << error.errorDescription()
                   << " See tonvale-render --help.\n";
