@@ -7,6 +7,9 @@
 
 option(TONVALE_WARNINGS_AS_ERRORS "Turn compiler warnings into errors" OFF)
 option(TONVALE_COVERAGE "Instrument for coverage" OFF)
+# A program that is run without being installed finds its resources here.
+set(TONVALE_SOURCE_LOCATION "${PROJECT_SOURCE_DIR}" CACHE PATH
+    "Where the sources are said to be in the programs; the same everywhere for equal binaries")
 set(TONVALE_SANITIZERS "" CACHE STRING "Comma-separated sanitizers, e.g. address,undefined")
 
 add_library(tonvale_warnings INTERFACE)
@@ -22,7 +25,8 @@ target_compile_features(tonvale_options INTERFACE cxx_std_20)
 target_include_directories(tonvale_options INTERFACE "${PROJECT_SOURCE_DIR}/native/Sources")
 # The build directory never shows in the binaries, so two checkouts build the same bytes.
 target_compile_options(tonvale_options INTERFACE
-    "-ffile-prefix-map=${PROJECT_SOURCE_DIR}=." -fstack-protector-strong)
+    "-ffile-prefix-map=${PROJECT_SOURCE_DIR}=." "-ffile-prefix-map=${PROJECT_BINARY_DIR}=build"
+    -fstack-protector-strong)
 target_link_options(tonvale_options INTERFACE -Wl,-z,relro,-z,now)
 
 if(TONVALE_SANITIZERS)
