@@ -25,8 +25,7 @@ target_compile_features(tonvale_options INTERFACE cxx_std_20)
 target_include_directories(tonvale_options INTERFACE "${PROJECT_SOURCE_DIR}/native/Sources")
 # The build directory never shows in the binaries, so two checkouts build the same bytes.
 target_compile_options(tonvale_options INTERFACE
-    "-ffile-prefix-map=${PROJECT_SOURCE_DIR}=." "-ffile-prefix-map=${PROJECT_BINARY_DIR}=build"
-    -fstack-protector-strong)
+    "-ffile-prefix-map=${PROJECT_SOURCE_DIR}=." -fstack-protector-strong)
 target_link_options(tonvale_options INTERFACE -Wl,-z,relro,-z,now)
 
 if(TONVALE_SANITIZERS)
