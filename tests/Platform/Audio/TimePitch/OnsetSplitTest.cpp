@@ -35,14 +35,13 @@ TEST_F(OnsetSplitTest, FrameWithoutOnsetIsNotSplit)
 {
     split_.update(frames_, 10, {});
     EXPECT_FALSE(split_.isSplit());
-    EXPECT_FALSE(split_.hasNewPart());
 }
 
 TEST_F(OnsetSplitTest, OnlyBinsThatRoseAreNew)
 {
     frames_.at(10).spreadPower[50] = 100;
     split_.update(frames_, 10, {.current = &onset_, .next = nullptr});
-    EXPECT_TRUE(split_.hasNewPart());
+    EXPECT_TRUE(split_.isSplit());
     EXPECT_EQ(split_.newShare()[50], 1);
     EXPECT_EQ(split_.oldShare()[50], 0);
     EXPECT_EQ(split_.newShare()[60], 0);
@@ -66,15 +65,19 @@ TEST_F(OnsetSplitTest, WhatDiesAwayBeforeTheOnsetDoesNotPassForOld)
     EXPECT_EQ(split_.newShare()[50], 1);
 }
 
-TEST_F(OnsetSplitTest, WhatIsNewToTheNextOnsetIsDropped)
+TEST_F(OnsetSplitTest, WhatIsNewToEitherOnsetIsNew)
 {
     const Onset next{.position = 12 * 1024, .layers = 7, .number = 1, .remainder = {1, 1, 1}};
-    frames_.at(11).spreadPower[50] = 100;
-    split_.update(frames_, 11, {.current = nullptr, .next = &next});
+    frames_.at(11).spreadPower[50] = 100;  // since the first onset
+    frames_.at(8).spreadPower[60] = 100;   // loud before the first one, but not before the second
+    frames_.at(11).spreadPower[60] = 100;
+    split_.update(frames_, 11, {.current = &onset_, .next = &next});
     EXPECT_TRUE(split_.isSplit());
-    EXPECT_FALSE(split_.hasNewPart());
-    EXPECT_EQ(split_.oldShare()[50], 0);
-    EXPECT_EQ(split_.oldShare()[60], 1);
+    EXPECT_EQ(split_.newShare()[50], 1);
+    EXPECT_EQ(split_.newShare()[60], 1);
+    EXPECT_EQ(split_.oldShare()[60], 0);
+    EXPECT_EQ(split_.newShare()[70], 0);
+    EXPECT_EQ(split_.oldShare()[70], 1);
 }
 
 TEST(OnsetGateTest, NothingIsHeardBeforeTheFadeAndAllAfterTheOnset)

@@ -36,6 +36,19 @@ TEST(VectorKernelsTest, SanitisedValuesAreFiniteAndBounded)
     EXPECT_EQ(out, (std::array<float, 6>{0.5F, 0, 0, 0, 65536, -65536}));
 }
 
+TEST(VectorKernelsTest, ProductsAreSetAddedAndSubtracted)
+{
+    const std::array<float, 2> a{2, -3};
+    const std::array<float, 2> b{4, 5};
+    std::array<float, 2> out{};
+    kernels::multiply(a.data(), b.data(), 2, out.data());
+    EXPECT_EQ(out, (std::array<float, 2>{8, -15}));
+    kernels::multiplyAdd(a.data(), b.data(), 2, out.data());
+    EXPECT_EQ(out, (std::array<float, 2>{16, -30}));
+    kernels::multiplySubtract(a.data(), a.data(), 2, out.data());
+    EXPECT_EQ(out, (std::array<float, 2>{12, -39}));
+}
+
 TEST(VectorKernelsTest, MaximaExceedTwoNeighboursOnBothSides)
 {
     const std::array<float, 12> power{0, 1, 3, 2, 1, 5, 5, 1, 0, 2, 1, 0};

@@ -5,10 +5,9 @@
 #pragma once
 
 #include "Platform/Audio/TimePitch/Geometry.h"
-#include "Platform/Audio/TimePitch/InputHistory.h"
 #include "Platform/Audio/TimePitch/LayerAnalysis.h"
 #include "Platform/Audio/TimePitch/LayerDesign.h"
-#include "Platform/Audio/TimePitch/OctaveDecimator.h"
+#include "Platform/Audio/TimePitch/OctaveInput.h"
 
 #include <span>
 #include <vector>
@@ -39,11 +38,9 @@ public:
 
 private:
     void analyse(bool waiting) noexcept;
-    [[nodiscard]] const InputHistory& inputOf(const LayerGeometry& layer) const noexcept;
 
     const Geometry& geometry_;
-    OctaveDecimator decimator_;
-    std::vector<InputHistory> octaves_;  ///< the input at the song's rate, its half, quarter ...
+    OctaveInput input_;
     std::vector<LayerAnalysis> layers_;
 };
 

@@ -10,7 +10,7 @@ namespace tonvale::timepitch {
 LayerAnalysis::LayerAnalysis(const LayerDesign& design, unsigned channelCount)
     : design_(design)
     , channelCount_(channelCount)
-    , fft_(design.geometry.decimatedSize())
+    , transform_(design)
     , tracker_(design, channelCount)
     , frames_(channelCount, design.binCount)
 {
@@ -23,9 +23,9 @@ void LayerAnalysis::analyse(std::int64_t number, const InputHistory& input) noex
     const Frames start = (number * geometry.hop - geometry.attack) / geometry.decimation;
     frame.power.clear();
     for (unsigned channel = 0; channel < channelCount_; ++channel) {
-        applyWindow(input.at(channel, start));
-        fft_.forward(design_.firstBin, design_.binCount, frame.spectra.real(channel),
-                     frame.spectra.imaginary(channel), frame.power.data());
+        transform_.forward(input.at(channel, start), design_.windows.analysis().data(),
+                           frame.spectra.real(channel), frame.spectra.imaginary(channel),
+                           frame.power.data());
     }
     const Array<float>& power = frame.power;
     const int last = design_.binCount - 1;
@@ -34,17 +34,6 @@ void LayerAnalysis::analyse(std::int64_t number, const InputHistory& input) noex
     frame.spreadPower[last] = power[last] + power[last - 1];
     tracker_.find(frame);
     tracker_.link(frames_.at(number - 1), frame);
-}
-
-// Rotated so that the phase centre is sample 0 of the FFT: a partial then has the same phase on all
-// bins of its peak.
-void LayerAnalysis::applyWindow(const float* samples) noexcept
-{
-    const int size = fft_.size();
-    const int centre = design_.windows.phaseCentre() / design_.geometry.decimation;
-    const float* window = design_.windows.analysis().data();
-    kernels::multiply(samples + centre, window + centre, size - centre, fft_.samples());
-    kernels::multiply(samples, window, centre, fft_.samples() + size - centre);
 }
 
 }  // namespace tonvale::timepitch

@@ -4,10 +4,10 @@
 
 #pragma once
 
+#include "Platform/Audio/TimePitch/FrameTransform.h"
 #include "Platform/Audio/TimePitch/InputHistory.h"
 #include "Platform/Audio/TimePitch/LayerDesign.h"
 #include "Platform/Audio/TimePitch/PeakTracker.h"
-#include "Platform/Audio/TimePitch/RealFft.h"
 #include "Platform/Audio/TimePitch/SpectrumFrame.h"
 
 namespace tonvale::timepitch {
@@ -28,11 +28,9 @@ public:
     [[nodiscard]] const FrameHistory& frames() const noexcept { return frames_; }
 
 private:
-    void applyWindow(const float* samples) noexcept;
-
     const LayerDesign& design_;
     unsigned channelCount_;
-    RealFft fft_;
+    FrameTransform transform_;
     PeakTracker tracker_;
     FrameHistory frames_;
 };

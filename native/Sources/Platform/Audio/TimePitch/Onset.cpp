@@ -9,23 +9,6 @@
 
 namespace tonvale::timepitch {
 
-namespace {
-
-/// Whether a frame that holds two onsets must ignore the second one, because the first would not be
-/// heard otherwise. In the layers with long windows that is when all of the first one's frames hold
-/// the second as well; in the last one the factor of the release was measured.
-bool ignoresSecond(const LayerGeometry& layer, Frames first, Frames second)
-{
-    constexpr double closestPair = 1.3;
-    if (!layer.upper.exists()) {
-        return static_cast<double>(second - first) < closestPair * layer.release;
-    }
-    const Frames firstFrame = ceilDivide(first - layer.hop / 2, layer.hop) * layer.hop;
-    return second - firstFrame < layer.release;
-}
-
-}  // namespace
-
 Onset* OnsetList::last() noexcept
 {
     return count_ > 0 ? &onsets_[count_ - 1] : nullptr;
@@ -65,10 +48,6 @@ OnsetContext OnsetList::around(const LayerGeometry& layer, Frames reference) con
         } else if (context.next == nullptr && onset.position - reference < layer.release) {
             context.next = &onset;
         }
-    }
-    if (context.current != nullptr && context.next != nullptr
-        && ignoresSecond(layer, context.current->position, context.next->position)) {
-        context.next = nullptr;
     }
     return context;
 }

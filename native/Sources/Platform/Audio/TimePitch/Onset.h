@@ -19,10 +19,9 @@ struct Onset {
     Frames position = 0;
     unsigned layers = 0;      ///< bit l: the energy of layer l's band rises
     std::int64_t number = 0;  ///< counts from 0 since the last reset
-    /// Per layer: energy of the band just before the onset over its mean in the last frame before
-    /// it. Below 1 when an earlier hit dies away in that frame, which must not pass for "old";
-    /// above 1 when the sound has swelled since, which must not pass for "new" (it would be cut
-    /// until the onset: vowels lost their first 50 ms).
+    /// Per layer: the part of the band's energy in the last frame before the onset that is left
+    /// just before it, at most 1. Below 1 an earlier hit dies away in that frame, which must not
+    /// pass for "old".
     std::array<float, largestLayerCount> remainder{1, 1, 1};
 
     [[nodiscard]] bool isIn(int layer) const noexcept { return (layers >> layer & 1U) != 0; }

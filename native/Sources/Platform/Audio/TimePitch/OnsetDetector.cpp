@@ -190,7 +190,6 @@ float OnsetDetector::remainder(std::size_t layer) const noexcept
     constexpr int justBefore = 8;  // blocks pastBegin ... justBefore - 1 before the onset
     constexpr int mostBlocks = 250;
     constexpr float generosity = 2;  // a decay within the blocks themselves must not count twice
-    constexpr float largest = 1000;
     constexpr float tiny = 1e-12F;
     const int count = std::min(mostBlocks, 2 * geometry_.layers[layer].release / blockFrames_);
     float recent = 0;
@@ -205,8 +204,7 @@ float OnsetDetector::remainder(std::size_t layer) const noexcept
         weighted += weight * power(layer, block_ - past);
         weights += weight;
     }
-    const float ratio = recent * weights / (weighted + tiny);
-    return ratio * generosity < 1 ? ratio * generosity : std::clamp(ratio, 1.0F, largest);
+    return std::min(1.0F, generosity * recent * weights / (weighted + tiny));
 }
 
 float OnsetDetector::largestPower(int layer, Frames from, Frames to) const noexcept

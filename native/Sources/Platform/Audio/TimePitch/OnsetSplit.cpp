@@ -13,7 +13,7 @@ OnsetSplit::OnsetSplit(const LayerDesign& design)
     , count_(design.activeEnd - begin_)
     , oldShare_(design.binCount)
     , newShare_(design.binCount)
-    , keptForNext_(design.binCount)
+    , shareOfOne_(design.binCount)
 {
 }
 
@@ -26,24 +26,20 @@ void OnsetSplit::update(const FrameHistory& frames, std::int64_t number,
                         const OnsetContext& onsets) noexcept
 {
     isSplit_ = !onsets.isPlain();
-    hasNewPart_ = onsets.current != nullptr;
     if (!isSplit_) {
         return;
     }
     oldShare_.fill(1);
-    newShare_.clear();
-    if (onsets.current != nullptr) {
-        shareBefore(frames, number, *onsets.current, oldShare_);
-        for (int k = begin_; k < design_.activeEnd; ++k) {
-            newShare_[k] = 1 - oldShare_[k];
+    for (const Onset* onset : {onsets.current, onsets.next}) {
+        if (onset != nullptr) {
+            shareBefore(frames, number, *onset, shareOfOne_);
+            for (int k = begin_; k < design_.activeEnd; ++k) {
+                oldShare_[k] *= shareOfOne_[k];
+            }
         }
     }
-    if (onsets.next != nullptr) {
-        shareBefore(frames, number, *onsets.next, keptForNext_);
-        for (int k = begin_; k < design_.activeEnd; ++k) {
-            oldShare_[k] *= keptForNext_[k];
-            newShare_[k] *= keptForNext_[k];
-        }
+    for (int k = begin_; k < design_.activeEnd; ++k) {
+        newShare_[k] = 1 - oldShare_[k];
     }
 }
 

@@ -11,12 +11,12 @@
 
 namespace tonvale::timepitch {
 
-/// Divides the bins of a frame that holds an onset into what sounded before and what is new.
+/// Divides the bins of a frame that holds onsets into what sounds on through them and what is new
+/// to one of them.
 ///
 /// The power of a bin now is compared with that of the last frame which ended before the onset:
-/// the old share is clamp((sqrt(before / now) - 0.3) / 0.1, 0, 1). The old part is heard as ever;
-/// the new part only from the onset on (OnsetGate). What is new to the *next* onset is dropped
-/// here: the frames after that onset bring it.
+/// the old share is clamp((sqrt(before / now) - 0.3) / 0.1, 0, 1), the product of both for two
+/// onsets. The old bins are heard as ever. The new ones are cut in time at the onsets (CutFrame).
 /// @thread WORKER, one at a time; only constructing allocates
 class OnsetSplit {
 public:
@@ -26,9 +26,8 @@ public:
     void update(const FrameHistory& frames, std::int64_t number,
                 const OnsetContext& onsets) noexcept;
 
-    /// False: the whole frame is old and the shares are not to be used.
+    /// False: the whole frame is plain and the shares are not to be used.
     [[nodiscard]] bool isSplit() const noexcept { return isSplit_; }
-    [[nodiscard]] bool hasNewPart() const noexcept { return hasNewPart_; }
     /// Factors per stored bin, valid on active bins (and from 0 where the layer carries DC).
     [[nodiscard]] const Array<float>& oldShare() const noexcept { return oldShare_; }
     [[nodiscard]] const Array<float>& newShare() const noexcept { return newShare_; }
@@ -45,10 +44,9 @@ private:
     int begin_;
     int count_;
     bool isSplit_ = false;
-    bool hasNewPart_ = false;
     Array<float> oldShare_;
     Array<float> newShare_;
-    Array<float> keptForNext_;
+    Array<float> shareOfOne_;
 };
 
 }  // namespace tonvale::timepitch

@@ -80,8 +80,7 @@ double PhaseTracker::rotationOf(const SpectralPeak& peak, const Frame& frame,
     const int offset = design_.windows.phaseOffset();
     if (frame.firstAfter != nullptr) {
         const Onset& onset = *frame.firstAfter;
-        const float remainder =
-            std::min(1.0F, onset.remainder[static_cast<std::size_t>(layer.index)]);
+        const float remainder = onset.remainder[static_cast<std::size_t>(layer.index)];
         const float before = remainder * (*frame.powerBefore)[peak.bin];
         if (before < frame.spectrum.spreadPower[peak.bin]) {
             const auto distance = static_cast<double>(frame.reference + offset - onset.position);

@@ -21,9 +21,12 @@ SynthesisLayer::SynthesisLayer(const LayerDesign& design, const Geometry& geomet
     , interpolator_(design.geometry, geometry.block / design.geometry.decimation)
     , spanGain_(design.geometry, design.windows)
     , gate_(design.geometry, spanGain_, geometry.block)
+    , beforeCurrent_(design, channelCount)
+    , beforeNext_(design, channelCount)
     , source_(channelCount, design.binCount)
     , target_(channelCount, fft_.binCount())
-    , partWeights_(design.binCount)
+    , oldWeights_(design.binCount)
+    , newWeights_(design.binCount)
     , lowRate_(geometry.block / design.geometry.decimation + 2 * interpolator_.samplesAfter()
                + kernels::overrun)
     , gains_(geometry.block)
@@ -120,22 +123,43 @@ void SynthesisLayer::prepare(std::int64_t number, const OnsetList& onsets) noexc
 void SynthesisLayer::synthesise(const FrameHistory& frames, const Settings& settings) noexcept
 {
     const SpectrumFrame& frame = frames.at(prepared_.number);
-    const Frames reference = prepared_.number * design_.geometry.hop;
-    lastReference_ = reference;
+    lastReference_ = prepared_.number * design_.geometry.hop;
     split_.update(frames, prepared_.number, prepared_.onsets);
     movePhases(frames, settings);
     shifter_.plan(frame, phases_, settings.ratio, settings.weights, prepared_.onsets.isPlain());
 
-    const float* weights = settings.weights.data();
-    if (!split_.isSplit()) {
-        synthesisePart(frame, weights, true, *prepared_.sustained, reference);
-        return;
+    if (split_.isSplit()) {
+        synthesiseSplit(frame, settings);
+    } else {
+        weigh(frame.spectra, settings.weights, kernels::multiply);
+        synthesisePart(frame, true, *prepared_.sustained);
     }
-    kernels::multiply(weights, split_.oldShare().data(), design_.binCount, partWeights_.data());
-    synthesisePart(frame, partWeights_.data(), true, *prepared_.sustained, reference);
-    if (split_.hasNewPart()) {
-        kernels::multiply(weights, split_.newShare().data(), design_.binCount, partWeights_.data());
-        synthesisePart(frame, partWeights_.data(), false, *prepared_.newPart, reference);
+}
+
+// The old bins pass whole. Of the new ones, what lies before the first onset passes too, and what
+// lies between that onset and the next goes through the gate; the frames after the next onset bring
+// what follows it.
+void SynthesisLayer::synthesiseSplit(const SpectrumFrame& frame, const Settings& settings) noexcept
+{
+    const auto [current, next] = prepared_.onsets;
+    if (current != nullptr) {
+        beforeCurrent_.analyse(prepared_.number, current->position, settings.input);
+    }
+    if (next != nullptr) {
+        beforeNext_.analyse(prepared_.number, next->position, settings.input);
+    }
+    const int count = design_.binCount;
+    kernels::multiply(settings.weights.data(), split_.oldShare().data(), count, oldWeights_.data());
+    kernels::multiply(settings.weights.data(), split_.newShare().data(), count, newWeights_.data());
+    const CutFrame& before = current != nullptr ? beforeCurrent_ : beforeNext_;
+    weigh(frame.spectra, oldWeights_, kernels::multiply);
+    weigh(before.spectra(), newWeights_, kernels::multiplyAdd);
+    synthesisePart(frame, true, *prepared_.sustained);
+    if (current != nullptr) {
+        weigh(next != nullptr ? beforeNext_.spectra() : frame.spectra, newWeights_,
+              kernels::multiply);
+        weigh(before.spectra(), newWeights_, kernels::multiplySubtract);
+        synthesisePart(frame, false, *prepared_.newPart);
     }
 }
 
@@ -158,31 +182,31 @@ void SynthesisLayer::movePhases(const FrameHistory& frames, const Settings& sett
                      .powerBefore = before});
 }
 
-void SynthesisLayer::synthesisePart(const SpectrumFrame& frame, const float* weights,
-                                    bool isSustained, Voice& voice, Frames reference) noexcept
+void SynthesisLayer::synthesisePart(const SpectrumFrame& frame, bool isSustained,
+                                    Voice& voice) noexcept
 {
-    weigh(frame, weights);
     target_.clear();
     shifter_.apply(source_, target_, channelCount_, isSustained);
     if (frame.dcEnd > 0) {
         carryDc(frame);
     }
-    voice.lastWritten = reference;
+    voice.lastWritten = lastReference_;
     for (unsigned channel = 0; channel < channelCount_; ++channel) {
         fft_.inverse(target_.real(channel), target_.imaginary(channel));
-        addFrame(voice.ring, channel, reference);
+        addFrame(voice.ring, channel, lastReference_);
     }
 }
 
-void SynthesisLayer::weigh(const SpectrumFrame& frame, const float* weights) noexcept
+void SynthesisLayer::weigh(const ChannelSpectra& spectra, const Array<float>& weights,
+                           Combine combine) noexcept
 {
     const int begin = design_.carriesDc() ? 0 : design_.activeBegin;
     const int count = design_.activeEnd - begin;
+    const float* factors = weights.data() + begin;
     for (unsigned channel = 0; channel < channelCount_; ++channel) {
-        kernels::multiply(frame.spectra.real(channel) + begin, weights + begin, count,
-                          source_.real(channel) + begin);
-        kernels::multiply(frame.spectra.imaginary(channel) + begin, weights + begin, count,
-                          source_.imaginary(channel) + begin);
+        combine(spectra.real(channel) + begin, factors, count, source_.real(channel) + begin);
+        combine(spectra.imaginary(channel) + begin, factors, count,
+                source_.imaginary(channel) + begin);
     }
 }
 

@@ -6,6 +6,8 @@
 
 #include "Platform/Audio/TimePitch/Array.h"
 #include "Platform/Audio/TimePitch/AudibleSpan.h"
+#include "Platform/Audio/TimePitch/CutFrame.h"
+#include "Platform/Audio/TimePitch/InputHistory.h"
 #include "Platform/Audio/TimePitch/Interpolator.h"
 #include "Platform/Audio/TimePitch/LayerDesign.h"
 #include "Platform/Audio/TimePitch/OnsetDetector.h"
@@ -29,7 +31,8 @@ namespace tonvale::timepitch {
 /// Frames are put back where they came from (constant hop, no stretching), so nothing can move in
 /// time. The old parts of frames go to one ring per pitch: when the ratio changes, new frames go to
 /// the next ring and the two are crossfaded half a hop before the first new frame. The new parts of
-/// an onset go to rings of their own, one per onset and pitch, and through the gate.
+/// an onset go to rings of their own, one per onset and pitch, and through the gate; what lies
+/// before the onset in the same bins is told apart by a second analysis (CutFrame).
 /// @thread WORKER, one at a time; only constructing allocates
 class SynthesisLayer {
 public:
@@ -44,6 +47,7 @@ public:
     /// What a frame is made with.
     struct Settings {
         double ratio;
+        const InputHistory& input;     ///< at the layer's own rate
         const Array<float>& weights;   ///< band weight per stored bin
         const Array<float>& ownShare;  ///< see PhaseTracker::Frame
         const SynthesisLayer* lower;   ///< the layer below, or null
@@ -86,9 +90,11 @@ private:
 
     [[nodiscard]] Voice& voiceOf(const Onset& onset, Frames reference, bool isFirst) noexcept;
     void movePhases(const FrameHistory& frames, const Settings& settings) noexcept;
-    void synthesisePart(const SpectrumFrame& frame, const float* weights, bool isSustained,
-                        Voice& voice, Frames reference) noexcept;
-    void weigh(const SpectrumFrame& frame, const float* weights) noexcept;
+    void synthesiseSplit(const SpectrumFrame& frame, const Settings& settings) noexcept;
+    using Combine = void (*)(const float* bins, const float* factors, int count, float* out);
+    void weigh(const ChannelSpectra& spectra, const Array<float>& weights,
+               Combine combine) noexcept;
+    void synthesisePart(const SpectrumFrame& frame, bool isSustained, Voice& voice) noexcept;
     void carryDc(const SpectrumFrame& frame) noexcept;
     void addFrame(OverlapRing& ring, unsigned channel, Frames reference) noexcept;
     void interpolate(const Voice& voice, Frames position) noexcept;
@@ -107,6 +113,8 @@ private:
     Interpolator interpolator_;
     SpanGain spanGain_;
     OnsetGate gate_;
+    CutFrame beforeCurrent_;
+    CutFrame beforeNext_;
     std::vector<Voice> pitchVoices_;
     std::vector<Voice> onsetVoices_;
     std::size_t currentPitchVoice_ = 0;
@@ -116,7 +124,8 @@ private:
     PreparedFrame prepared_;
     ChannelSpectra source_;
     ChannelSpectra target_;
-    Array<float> partWeights_;
+    Array<float> oldWeights_;
+    Array<float> newWeights_;
     Array<float> lowRate_;
     Array<float> gains_;
     std::vector<Array<float>> fullRate_;

@@ -18,6 +18,7 @@ SynthesisStage::SynthesisStage(const Geometry& geometry, std::span<const LayerDe
                                unsigned channelCount)
     : geometry_(geometry)
     , designs_(designs)
+    , input_(geometry, channelCount, geometry.lookAhead + geometry.longestWindow + geometry.block)
     , detector_(geometry, channelCount)
     , framesToNeutral_(static_cast<Frames>(pi / PhaseTracker::returnSpeed * geometry.sampleRate)
                        + geometry.latency() + geometry.longestWindow)
@@ -39,6 +40,7 @@ void SynthesisStage::reset(double ratio) noexcept
     ratio_ = wantedRatio_ = ratio;
     inputEnd_ = 0;
     neutralFrames_ = ratio == 1 ? framesToNeutral_ : 0;
+    input_.clear();
     detector_.reset();
     for (const std::unique_ptr<SynthesisLayer>& layer : layers_) {
         layer->reset(ratio);
@@ -51,6 +53,7 @@ void SynthesisStage::reset(double ratio) noexcept
 void SynthesisStage::begin(const AnalysisStage& analysis, const float* const* input,
                            std::span<float* const> output) noexcept
 {
+    input_.advance(input);
     detector_.advance(input);
     inputEnd_ += geometry_.block;
     const Frames reference = inputEnd_ - geometry_.lookAhead;
@@ -142,6 +145,7 @@ void SynthesisStage::synthesiseLayer(std::size_t index, const AnalysisStage& ana
     }
     const SynthesisLayer::Settings settings{
         .ratio = ratio_,
+        .input = input_.of(geometry_.layers[index]),
         .weights = *weights,
         .ownShare = lowBand_ && isSecond ? lowBand_->servedShare() : noShare_[index],
         .lower = isLowest ? nullptr : layers_[index - 1].get()};

@@ -8,6 +8,7 @@
 #include "Platform/Audio/TimePitch/Geometry.h"
 #include "Platform/Audio/TimePitch/LayerDesign.h"
 #include "Platform/Audio/TimePitch/LowBandChooser.h"
+#include "Platform/Audio/TimePitch/OctaveInput.h"
 #include "Platform/Audio/TimePitch/OnsetDetector.h"
 #include "Platform/Audio/TimePitch/SynthesisLayer.h"
 
@@ -55,6 +56,7 @@ private:
 
     const Geometry& geometry_;
     std::span<const LayerDesign> designs_;
+    OctaveInput input_;
     OnsetDetector detector_;
     std::vector<std::unique_ptr<SynthesisLayer>> layers_;
     std::optional<LowBandChooser> lowBand_;

@@ -38,6 +38,15 @@ void multiply(const float* __restrict a, const float* __restrict b, int count,
 }
 
 TONVALE_VECTOR_CLONES
+void multiplySubtract(const float* __restrict a, const float* __restrict b, int count,
+                      float* __restrict out) noexcept
+{
+    for (int i = 0; i < count; ++i) {
+        out[i] -= a[i] * b[i];
+    }
+}
+
+TONVALE_VECTOR_CLONES
 void multiplyAdd(const float* __restrict a, const float* __restrict b, int count,
                  float* __restrict out) noexcept
 {

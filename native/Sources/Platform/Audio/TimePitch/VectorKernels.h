@@ -22,6 +22,8 @@ constexpr int overrun = 16;
 void multiply(const float* a, const float* b, int count, float* out) noexcept;
 /// out[i] += a[i] b[i]
 void multiplyAdd(const float* a, const float* b, int count, float* out) noexcept;
+/// out[i] -= a[i] b[i]
+void multiplySubtract(const float* a, const float* b, int count, float* out) noexcept;
 /// out[i] += a[i]
 void add(const float* a, int count, float* out) noexcept;
 
