@@ -11,9 +11,10 @@ namespace tonvale::timepitch {
 
 namespace {
 
-// 2 ms to each side. 1 ms keeps the level of a changing chord within 0.4 dB, 2 ms within 0.5 and
-// clicks below -77 dB, 5 ms loses 1.1 dB.
-constexpr double halfFadeSeconds = 0.002;
+// 1.5 ms to each side. Where old and new pitch sound together they are out of phase more and more:
+// 2 ms lose 0.13 dB more of a changing chord, 5 ms of a raised cosine 1.1 dB. With 1 ms clicks rise
+// from -83 to -76 dB; a raised cosine of 2 ms makes -74 dB.
+constexpr double halfFadeSeconds = 0.0015;
 
 }  // namespace
 
@@ -25,7 +26,7 @@ SpanGain::SpanGain(const LayerGeometry& geometry, const LayerWindows& windows)
     , rise_(2 * halfFade_)
 {
     for (std::ptrdiff_t i = 0; i < rise_.size(); ++i) {
-        rise_[i] = raisedCosine(static_cast<double>(i) / static_cast<double>(rise_.size()));
+        rise_[i] = hannRise(static_cast<double>(i) / static_cast<double>(rise_.size()));
     }
 }
 

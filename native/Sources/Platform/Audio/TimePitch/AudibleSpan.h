@@ -31,8 +31,9 @@ struct AudibleSpan {
 /// soft ends.
 ///
 /// Where frames are missing (before the first, after the last) the sum of their windows is below 1;
-/// dividing by it restores the level. The ends are raised cosines around `start` and `end`. Old and
-/// new parts meet in phase (PhaseTracker), so amplitudes must add up to 1, not powers.
+/// dividing by it restores the level. The ends are integrated Hann windows around `start` and
+/// `end`. Old and new parts meet in phase (PhaseTracker), so amplitudes must add up to 1, not
+/// powers.
 class SpanGain {
 public:
     SpanGain(const LayerGeometry& geometry, const LayerWindows& windows);
