@@ -40,6 +40,11 @@ def raised_cosine(u):
     return 0.5 - 0.5 * np.cos(np.pi * np.clip(u, 0, 1))
 
 
+def hann_rise(u):
+    u = np.clip(u, 0, 1)
+    return u - np.sin(2 * np.pi * u) / (2 * np.pi)
+
+
 def save(figure, name):
     figure.tight_layout()
     figure.savefig(FOLDER / name, metadata={"Date": None})
@@ -151,8 +156,8 @@ def draw_ratio_change():
     hop, release = 1024, 2048
     t = np.arange(-2600, 2600)
     border = 0
-    half = int(0.002 * RATE)
-    after = raised_cosine((t - border + half) / (2 * half))
+    half = int(0.0015 * RATE)
+    after = hann_rise((t - border + half) / (2 * half))
     unity = hop / np.sum(product_window(release)[1])
     figure, axis = plt.subplots(figsize=(7, 2.6))
     for frame in range(-4, 5):
