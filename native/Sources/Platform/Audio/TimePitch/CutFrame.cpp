@@ -25,8 +25,18 @@ CutFrame::CutFrame(const LayerDesign& design, unsigned channelCount)
 {
 }
 
+void CutFrame::reset() noexcept
+{
+    number_ = noFrame;
+}
+
 void CutFrame::analyse(std::int64_t number, Frames end, const InputHistory& input) noexcept
 {
+    if (number == number_ && end == end_) {
+        return;
+    }
+    number_ = number;
+    end_ = end;
     const LayerGeometry& layer = design_.geometry;
     const Frames start = number * layer.hop - layer.attack;
     computeWindow(end - start);

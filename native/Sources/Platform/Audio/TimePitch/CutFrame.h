@@ -11,6 +11,7 @@
 #include "Platform/Audio/TimePitch/SpectrumFrame.h"
 
 #include <cstdint>
+#include <limits>
 
 namespace tonvale::timepitch {
 
@@ -25,8 +26,10 @@ class CutFrame {
 public:
     CutFrame(const LayerDesign& design, unsigned channelCount);
 
-    /// Analyses frame `number` up to `end` (frames of the song; nothing at or after it is heard).
-    /// @param input  at the layer's own rate
+    void reset() noexcept;
+    /// Analyses frame `number` up to `end` (frames of the song; nothing at or after it is heard),
+    /// unless that is what was analysed last: so it may be done ahead of time.
+    /// @param input  at the layer's own rate, up to the end of the frame's window
     void analyse(std::int64_t number, Frames end, const InputHistory& input) noexcept;
 
     /// Stored bins, as those of SpectrumFrame.
@@ -38,6 +41,9 @@ private:
     const LayerDesign& design_;
     unsigned channelCount_;
     FrameTransform transform_;
+    static constexpr std::int64_t noFrame = std::numeric_limits<std::int64_t>::min();
+    std::int64_t number_ = noFrame;  ///< what was analysed last
+    Frames end_ = 0;
     double fadeSamples_;  ///< at the layer's own rate
     Array<float> window_;
     Array<float> power_;

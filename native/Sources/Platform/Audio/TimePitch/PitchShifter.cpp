@@ -63,10 +63,11 @@ public:
     [[nodiscard]] const Geometry& geometry() const noexcept { return geometry_; }
 
 private:
-    enum class Rest : unsigned char { Nothing, Synthesis, AnalysisAndSynthesis };
+    static constexpr int stepCount = 4;  ///< what is left of a block's work after beginBlock()
 
     void beginBlock() noexcept;
     void continueBlock() noexcept;
+    void doStep(int step) noexcept;
 
     Configuration configuration_;
     Geometry geometry_;
@@ -79,7 +80,7 @@ private:
     std::vector<float*> finishedPointers_;
     float cents_ = 0;
     std::int64_t blocks_ = 0;               ///< begun since the last reset
-    Rest rest_ = Rest::Nothing;             ///< of the last block's work
+    int nextStep_ = stepCount;              ///< of the last block
     std::optional<AnalysisThread> thread_;  // last: it must end before what it uses
 };
 
@@ -114,7 +115,7 @@ void PitchShifter::Engine::reset() noexcept
         channel.clear();
     }
     blocks_ = 0;
-    rest_ = Rest::Nothing;
+    nextStep_ = stepCount;
 }
 
 void PitchShifter::Engine::setPitch(float cents) noexcept
@@ -172,7 +173,7 @@ void PitchShifter::Engine::beginBlock() noexcept
         synthesis_.finish(analysis_);
         thread_->release(blocks_);
     } else {
-        rest_ = Rest::AnalysisAndSynthesis;
+        nextStep_ = 0;
     }
 }
 
@@ -180,14 +181,28 @@ void PitchShifter::Engine::beginBlock() noexcept
 // not meet all the work in one call.
 void PitchShifter::Engine::continueBlock() noexcept
 {
-    const int filled = assembler_.filled();
-    if (rest_ == Rest::AnalysisAndSynthesis && filled >= geometry_.block / 4) {
-        analysis_.finish();
-        rest_ = Rest::Synthesis;
+    while (nextStep_ < stepCount
+           && assembler_.filled() >= (nextStep_ + 2) * geometry_.block / (stepCount + 2)) {
+        doStep(nextStep_);
+        ++nextStep_;
     }
-    if (rest_ == Rest::Synthesis && filled >= geometry_.block / 2) {
+}
+
+void PitchShifter::Engine::doStep(int step) noexcept
+{
+    switch (step) {
+    case 0:
+        analysis_.finish();
+        break;
+    case 1:
+        synthesis_.beginFinish();
+        break;
+    case 2:
         synthesis_.finish(analysis_);
-        rest_ = Rest::Nothing;
+        break;
+    default:
+        synthesis_.anticipate();
+        break;
     }
 }
 

@@ -63,6 +63,8 @@ void SynthesisLayer::reset(double ratio) noexcept
         }
     }
     phases_.reset(ratio);
+    beforeCurrent_.reset();
+    beforeNext_.reset();
     currentPitchVoice_ = 0;
     pitchNumber_ = 0;
     pitchStart_ = AudibleSpan::openBegin;
@@ -120,6 +122,23 @@ void SynthesisLayer::prepare(std::int64_t number, const OnsetList& onsets) noexc
     }
 }
 
+void SynthesisLayer::anticipate(std::int64_t number, const OnsetList& onsets,
+                                const InputHistory& input) noexcept
+{
+    cutAtOnsets(number, onsets.around(design_.geometry, number * design_.geometry.hop), input);
+}
+
+void SynthesisLayer::cutAtOnsets(std::int64_t number, const OnsetContext& onsets,
+                                 const InputHistory& input) noexcept
+{
+    if (onsets.current != nullptr) {
+        beforeCurrent_.analyse(number, onsets.current->position, input);
+    }
+    if (onsets.next != nullptr) {
+        beforeNext_.analyse(number, onsets.next->position, input);
+    }
+}
+
 void SynthesisLayer::synthesise(const FrameHistory& frames, const Settings& settings) noexcept
 {
     const SpectrumFrame& frame = frames.at(prepared_.number);
@@ -142,12 +161,7 @@ void SynthesisLayer::synthesise(const FrameHistory& frames, const Settings& sett
 void SynthesisLayer::synthesiseSplit(const SpectrumFrame& frame, const Settings& settings) noexcept
 {
     const auto [current, next] = prepared_.onsets;
-    if (current != nullptr) {
-        beforeCurrent_.analyse(prepared_.number, current->position, settings.input);
-    }
-    if (next != nullptr) {
-        beforeNext_.analyse(prepared_.number, next->position, settings.input);
-    }
+    cutAtOnsets(prepared_.number, prepared_.onsets, settings.input);
     const int count = design_.binCount;
     kernels::multiply(settings.weights.data(), split_.oldShare().data(), count, oldWeights_.data());
     kernels::multiply(settings.weights.data(), split_.newShare().data(), count, newWeights_.data());

@@ -55,6 +55,15 @@ public:
     /// Decides what the onsets around frame `number` make of it. It is the next to be synthesised;
     /// until then the onsets must stay where they are.
     void prepare(std::int64_t number, const OnsetList& onsets) noexcept;
+    /// Does ahead of time what the onsets known so far will need of frame `number`, the next one to
+    /// be prepared; changes no result.
+    void anticipate(std::int64_t number, const OnsetList& onsets,
+                    const InputHistory& input) noexcept;
+    /// A first part of synthesise() that may be done before it.
+    void cutPrepared(const InputHistory& input) noexcept
+    {
+        cutAtOnsets(prepared_.number, prepared_.onsets, input);
+    }
     /// Synthesises the frame that was prepared; it may be rendered before, if it is not yet heard.
     void synthesise(const FrameHistory& frames, const Settings& settings) noexcept;
 
@@ -90,6 +99,8 @@ private:
 
     [[nodiscard]] Voice& voiceOf(const Onset& onset, Frames reference, bool isFirst) noexcept;
     void movePhases(const FrameHistory& frames, const Settings& settings) noexcept;
+    void cutAtOnsets(std::int64_t number, const OnsetContext& onsets,
+                     const InputHistory& input) noexcept;
     void synthesiseSplit(const SpectrumFrame& frame, const Settings& settings) noexcept;
     using Combine = void (*)(const float* bins, const float* factors, int count, float* out);
     void weigh(const ChannelSpectra& spectra, const Array<float>& weights,

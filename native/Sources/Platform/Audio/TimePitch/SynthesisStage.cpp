@@ -71,11 +71,34 @@ void SynthesisStage::begin(const AnalysisStage& analysis, const float* const* in
     }
 }
 
+void SynthesisStage::beginFinish() noexcept
+{
+    const Frames reference = inputEnd_ - geometry_.lookAhead;
+    for (std::size_t index = 0; index < layers_.size(); ++index) {
+        const LayerGeometry& layer = geometry_.layers[index];
+        if (geometry_.canWait(layer) && reference % layer.hop == 0) {
+            layers_[index]->cutPrepared(input_.of(layer));
+        }
+    }
+}
+
 void SynthesisStage::finish(const AnalysisStage& analysis) noexcept
 {
     const Frames reference = inputEnd_ - geometry_.lookAhead;
     synthesise(analysis, reference, true);
     detector_.onsets().forgetBefore(reference - geometry_.tail - geometry_.longestWindow);
+}
+
+void SynthesisStage::anticipate() noexcept
+{
+    const Frames reference = inputEnd_ + geometry_.block - geometry_.lookAhead;
+    for (std::size_t index = 0; index < layers_.size(); ++index) {
+        const LayerGeometry& layer = geometry_.layers[index];
+        if (!geometry_.canWait(layer) && reference % layer.hop == 0) {
+            layers_[index]->anticipate(floorDivide(reference, layer.hop), detector_.onsets(),
+                                       input_.of(layer));
+        }
+    }
 }
 
 void SynthesisStage::takeOverRatio(Frames reference) noexcept

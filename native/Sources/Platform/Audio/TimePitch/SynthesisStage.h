@@ -36,8 +36,13 @@ public:
     /// end. Layers that can wait have their new frame prepared only.
     void begin(const AnalysisStage& analysis, const float* const* input,
                std::span<float* const> output) noexcept;
+    /// A first part of finish() that may be done before it.
+    void beginFinish() noexcept;
     /// The rest of the block's work, at any time before the next begin().
     void finish(const AnalysisStage& analysis) noexcept;
+
+    /// Work that the next begin() will need, at any time after finish(); changes no result.
+    void anticipate() noexcept;
 
     /// Whether the output is the input but for rounding: nothing is or was shifted that still
     /// sounds, and no phase is turned.
