@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "Platform/Audio/TimePitch/OnsetSplit.h"
 #include "Platform/Audio/TimePitch/SynthesisLayer.h"
 #include "Platform/Audio/TimePitch/VectorKernels.h"
 
@@ -15,18 +16,14 @@ SynthesisLayer::SynthesisLayer(const LayerDesign& design, const Geometry& geomet
     , channelCount_(channelCount)
     , block_(geometry.block)
     , fft_(design.geometry.decimatedSize())
-    , split_(design)
+    , parts_(design, channelCount)
     , phases_(design)
     , shifter_(design)
     , interpolator_(design.geometry, geometry.block / design.geometry.decimation)
     , spanGain_(design.geometry, design.windows)
     , gate_(design.geometry, spanGain_, geometry.block)
-    , beforeCurrent_(design, channelCount)
-    , beforeNext_(design, channelCount)
     , source_(channelCount, design.binCount)
     , target_(channelCount, fft_.binCount())
-    , oldWeights_(design.binCount)
-    , newWeights_(design.binCount)
     , lowRate_(geometry.block / design.geometry.decimation + 2 * interpolator_.samplesAfter()
                + kernels::overrun)
     , gains_(geometry.block)
@@ -63,8 +60,7 @@ void SynthesisLayer::reset(double ratio) noexcept
         }
     }
     phases_.reset(ratio);
-    beforeCurrent_.reset();
-    beforeNext_.reset();
+    parts_.reset();
     currentPitchVoice_ = 0;
     pitchNumber_ = 0;
     pitchStart_ = AudibleSpan::openBegin;
@@ -125,54 +121,21 @@ void SynthesisLayer::prepare(std::int64_t number, const OnsetList& onsets) noexc
 void SynthesisLayer::anticipate(std::int64_t number, const OnsetList& onsets,
                                 const InputHistory& input) noexcept
 {
-    cutAtOnsets(number, onsets.around(design_.geometry, number * design_.geometry.hop), input);
-}
-
-void SynthesisLayer::cutAtOnsets(std::int64_t number, const OnsetContext& onsets,
-                                 const InputHistory& input) noexcept
-{
-    if (onsets.current != nullptr) {
-        beforeCurrent_.analyse(number, onsets.current->position, input);
-    }
-    if (onsets.next != nullptr) {
-        beforeNext_.analyse(number, onsets.next->position, input);
-    }
+    parts_.cut(number, onsets.around(design_.geometry, number * design_.geometry.hop), input);
 }
 
 void SynthesisLayer::synthesise(const FrameHistory& frames, const Settings& settings) noexcept
 {
     const SpectrumFrame& frame = frames.at(prepared_.number);
     lastReference_ = prepared_.number * design_.geometry.hop;
-    split_.update(frames, prepared_.number, prepared_.onsets);
+    parts_.divide(frames, prepared_.number, prepared_.onsets, settings.weights, settings.input);
     movePhases(frames, settings);
     shifter_.plan(frame, phases_, settings.ratio, settings.weights, prepared_.onsets.isPlain());
 
-    if (split_.isSplit()) {
-        synthesiseSplit(frame, settings);
-    } else {
-        weigh(frame.spectra, settings.weights, kernels::multiply);
-        synthesisePart(frame, true, *prepared_.sustained);
-    }
-}
-
-// The old bins pass whole. Of the new ones, what lies before the first onset passes too, and what
-// lies between that onset and the next goes through the gate; the frames after the next onset bring
-// what follows it.
-void SynthesisLayer::synthesiseSplit(const SpectrumFrame& frame, const Settings& settings) noexcept
-{
-    const auto [current, next] = prepared_.onsets;
-    cutAtOnsets(prepared_.number, prepared_.onsets, settings.input);
-    const int count = design_.binCount;
-    kernels::multiply(settings.weights.data(), split_.oldShare().data(), count, oldWeights_.data());
-    kernels::multiply(settings.weights.data(), split_.newShare().data(), count, newWeights_.data());
-    const CutFrame& before = current != nullptr ? beforeCurrent_ : beforeNext_;
-    weigh(frame.spectra, oldWeights_, kernels::multiply);
-    weigh(before.spectra(), newWeights_, kernels::multiplyAdd);
+    parts_.makeSustained(frame, source_);
     synthesisePart(frame, true, *prepared_.sustained);
-    if (current != nullptr) {
-        weigh(next != nullptr ? beforeNext_.spectra() : frame.spectra, newWeights_,
-              kernels::multiply);
-        weigh(before.spectra(), newWeights_, kernels::multiplySubtract);
+    if (prepared_.newPart != nullptr) {
+        parts_.makeHit(frame, source_);
         synthesisePart(frame, false, *prepared_.newPart);
     }
 }
@@ -208,19 +171,6 @@ void SynthesisLayer::synthesisePart(const SpectrumFrame& frame, bool isSustained
     for (unsigned channel = 0; channel < channelCount_; ++channel) {
         fft_.inverse(target_.real(channel), target_.imaginary(channel));
         addFrame(voice.ring, channel, lastReference_);
-    }
-}
-
-void SynthesisLayer::weigh(const ChannelSpectra& spectra, const Array<float>& weights,
-                           Combine combine) noexcept
-{
-    const int begin = design_.carriesDc() ? 0 : design_.activeBegin;
-    const int count = design_.activeEnd - begin;
-    const float* factors = weights.data() + begin;
-    for (unsigned channel = 0; channel < channelCount_; ++channel) {
-        combine(spectra.real(channel) + begin, factors, count, source_.real(channel) + begin);
-        combine(spectra.imaginary(channel) + begin, factors, count,
-                source_.imaginary(channel) + begin);
     }
 }
 

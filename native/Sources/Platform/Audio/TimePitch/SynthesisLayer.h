@@ -6,13 +6,12 @@
 
 #include "Platform/Audio/TimePitch/Array.h"
 #include "Platform/Audio/TimePitch/AudibleSpan.h"
-#include "Platform/Audio/TimePitch/CutFrame.h"
+#include "Platform/Audio/TimePitch/FrameParts.h"
 #include "Platform/Audio/TimePitch/InputHistory.h"
 #include "Platform/Audio/TimePitch/Interpolator.h"
 #include "Platform/Audio/TimePitch/LayerDesign.h"
 #include "Platform/Audio/TimePitch/OnsetDetector.h"
 #include "Platform/Audio/TimePitch/OnsetGate.h"
-#include "Platform/Audio/TimePitch/OnsetSplit.h"
 #include "Platform/Audio/TimePitch/OverlapRing.h"
 #include "Platform/Audio/TimePitch/PhaseTracker.h"
 #include "Platform/Audio/TimePitch/RealFft.h"
@@ -32,7 +31,7 @@ namespace tonvale::timepitch {
 /// time. The old parts of frames go to one ring per pitch: when the ratio changes, new frames go to
 /// the next ring and the two are crossfaded half a hop before the first new frame. The new parts of
 /// an onset go to rings of their own, one per onset and pitch, and through the gate; what lies
-/// before the onset in the same bins is told apart by a second analysis (CutFrame).
+/// before the onset in the same bins is told apart by a second analysis (FrameParts).
 /// @thread WORKER, one at a time; only constructing allocates
 class SynthesisLayer {
 public:
@@ -62,7 +61,7 @@ public:
     /// A first part of synthesise() that may be done before it.
     void cutPrepared(const InputHistory& input) noexcept
     {
-        cutAtOnsets(prepared_.number, prepared_.onsets, input);
+        parts_.cut(prepared_.number, prepared_.onsets, input);
     }
     /// Synthesises the frame that was prepared; it may be rendered before, if it is not yet heard.
     void synthesise(const FrameHistory& frames, const Settings& settings) noexcept;
@@ -99,12 +98,6 @@ private:
 
     [[nodiscard]] Voice& voiceOf(const Onset& onset, Frames reference, bool isFirst) noexcept;
     void movePhases(const FrameHistory& frames, const Settings& settings) noexcept;
-    void cutAtOnsets(std::int64_t number, const OnsetContext& onsets,
-                     const InputHistory& input) noexcept;
-    void synthesiseSplit(const SpectrumFrame& frame, const Settings& settings) noexcept;
-    using Combine = void (*)(const float* bins, const float* factors, int count, float* out);
-    void weigh(const ChannelSpectra& spectra, const Array<float>& weights,
-               Combine combine) noexcept;
     void synthesisePart(const SpectrumFrame& frame, bool isSustained, Voice& voice) noexcept;
     void carryDc(const SpectrumFrame& frame) noexcept;
     void addFrame(OverlapRing& ring, unsigned channel, Frames reference) noexcept;
@@ -118,14 +111,12 @@ private:
     unsigned channelCount_;
     int block_;
     RealFft fft_;
-    OnsetSplit split_;
+    FrameParts parts_;
     PhaseTracker phases_;
     RegionShifter shifter_;
     Interpolator interpolator_;
     SpanGain spanGain_;
     OnsetGate gate_;
-    CutFrame beforeCurrent_;
-    CutFrame beforeNext_;
     std::vector<Voice> pitchVoices_;
     std::vector<Voice> onsetVoices_;
     std::size_t currentPitchVoice_ = 0;
@@ -135,8 +126,6 @@ private:
     PreparedFrame prepared_;
     ChannelSpectra source_;
     ChannelSpectra target_;
-    Array<float> oldWeights_;
-    Array<float> newWeights_;
     Array<float> lowRate_;
     Array<float> gains_;
     std::vector<Array<float>> fullRate_;
