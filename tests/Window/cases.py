@@ -52,6 +52,7 @@ class WindowTestCase(unittest.TestCase):
     def tearDown(self) -> None:
         """However a test has used it, the program quits when told to and has not printed a word."""
         if self.program.process.poll() is None:
+            wait_until(lambda: any("active" in element.states for element in self.program.elements()), "the keyboard")
             self.hands.keys("ctrl+q")
             self.assertEqual(self.program.wait_for_end(5), 0)
         self.assertEqual(self.program.output, "")

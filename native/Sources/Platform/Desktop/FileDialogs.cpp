@@ -42,6 +42,15 @@ struct DialogContext {
         dialog.winId();  // makes the window that the parent is told to
         dialog.windowHandle()->setTransientParent(&window);
     }
+
+    /// A question and the panel under it close at once, and some window managers then leave no
+    /// window with the keyboard.
+    int run(QFileDialog& dialog) const
+    {
+        const int answer = dialog.exec();
+        window.requestActivate();
+        return answer;
+    }
 };
 
 class FileOpenDialog : public OpenPanel {
@@ -55,7 +64,7 @@ public:
         dialog.setFileMode(QFileDialog::ExistingFile);
         dialog.setNameFilter(audioNameFilter());
         context_.prepare(dialog);
-        if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) {
+        if (context_.run(dialog) != QDialog::Accepted || dialog.selectedFiles().isEmpty()) {
             return std::nullopt;
         }
         return toPath(dialog.selectedFiles().constFirst());
@@ -73,7 +82,7 @@ public:
     {
         QFileDialog dialog;
         setUp(dialog);
-        while (dialog.exec() == QDialog::Accepted && !dialog.selectedFiles().isEmpty()) {
+        while (context_.run(dialog) == QDialog::Accepted && !dialog.selectedFiles().isEmpty()) {
             const QString chosen = dialog.selectedFiles().constFirst();
             const QString file = withWavExtension(chosen);
             // The dialog has asked about the name that was typed, not about the completed one.
