@@ -14,6 +14,7 @@ MenuBarItem {
     readonly property string shownTitle: text.replace("&", "")
 
     Accessible.name: shownTitle
+    Accessible.onPressAction: triggered()
 
     implicitHeight: 26
     padding: 0

@@ -13,6 +13,11 @@ MenuItem {
 
     readonly property color ink: highlighted ? Theme.accentText : Theme.text
 
+    Accessible.onPressAction: {
+        menu.dismiss();
+        action.trigger();
+    }
+
     implicitHeight: 26
     padding: 0
     leftPadding: 10
