@@ -26,7 +26,7 @@ SAVE_PANEL = "Save Transposed Song"
 
 
 class WindowTestCase(unittest.TestCase):
-    environment: ClassVar[dict[str, str]] = {}  # what the program sees besides the desktop's
+    environment: ClassVar[dict[str, str | None]] = {}  # what the program sees besides the desktop's
 
     @classmethod
     def setUpClass(cls) -> None:

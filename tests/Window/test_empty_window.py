@@ -2,7 +2,8 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """The window as it opens: what it says, what can be done, and what it looks like on the desktop."""
 
-from application import Application
+from typing import ClassVar
+
 from cases import KEYS, WindowTestCase
 from processes import wait_until
 
@@ -58,10 +59,9 @@ class EmptyWindowTest(WindowTestCase):
 
 
 class UnobservedWindowTest(WindowTestCase):
-    def start(self) -> Application:
-        """As users start it: nobody asks for the messages of its libraries."""
-        self.environment = {"QT_FORCE_STDERR_LOGGING": ""}
-        return super().start()
+    """As users start it: nobody asks for the messages of its libraries."""
+
+    environment: ClassVar[dict[str, str | None]] = {"QT_FORCE_STDERR_LOGGING": None, "QT_LOGGING_RULES": None}
 
     def test_nothing_is_printed(self):
         self.load_tone(seconds=1)

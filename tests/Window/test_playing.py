@@ -4,6 +4,7 @@
 
 import itertools
 
+import numpy as np
 import songs
 from cases import WindowTestCase
 from processes import wait_until
@@ -11,6 +12,7 @@ from sound import pitch_of
 
 SONG_SECONDS = 60
 WINDOW_SECONDS = 0.1
+LOUD = 0.3  # the songs peak at 0.5
 
 
 class PreviewCase(WindowTestCase):
@@ -24,10 +26,12 @@ class PreviewCase(WindowTestCase):
         return [second for second, _ in itertools.groupby(seconds)]
 
     def pitches(self, start: int) -> list[float]:
+        """The pitches heard since then, without those that begin or end in silence."""
         heard = self.recorder.heard(start)
         length = int(WINDOW_SECONDS * self.recorder.RATE)
-        pitches = (pitch_of(heard[begin : begin + length], self.recorder.RATE) for begin in range(0, len(heard) - length, length))
-        return [pitch for pitch in pitches if pitch is not None]
+        windows = (heard[begin : begin + length] for begin in range(0, len(heard) - length, length))
+        return [pitch_of(window, self.recorder.RATE) for window in windows
+                if all(np.abs(part).max() > LOUD for part in np.array_split(window, 10))]
 
 
 class PreviewTest(PreviewCase):

@@ -5,7 +5,7 @@
 from pathlib import Path
 
 import songs
-from cases import SAVE_PANEL, WindowTestCase
+from cases import KEYS, SAVE_PANEL, WindowTestCase
 from processes import wait_until
 from sound import cents, pitch_of
 
@@ -53,7 +53,8 @@ class SavingTest(WindowTestCase):
 
     def test_an_existing_file_is_replaced_only_after_a_yes(self):
         self.load_tone(seconds=1)
-        for typed, existing in (("old.wav", "old.wav"), ("take.2", "take.2.wav")):
+        for step, (typed, existing) in enumerate((("old.wav", "old.wav"), ("take.2", "take.2.wav"))):
+            self.transpose(KEYS[0], KEYS[step])
             (self.folder / existing).write_text("precious")
             self.save_as(self.folder / typed)
             self.press_in_question("No")
@@ -61,8 +62,8 @@ class SavingTest(WindowTestCase):
             self.assertEqual((self.folder / existing).read_text(), "precious")
             self.accept_panel(SAVE_PANEL, self.folder / typed)
             self.press_in_question("Yes")
-            self.program.wait_for_text("Saved 0 semitones")
-            self.assert_pitch(self.folder / existing, songs.CONCERT_PITCH)
+            self.program.wait_for_text(("Saved 0 semitones", "Saved +1 semitone")[step])
+            self.assert_pitch(self.folder / existing, songs.CONCERT_PITCH * 2 ** (step / 12))
 
     def press_in_question(self, answer: str) -> None:
         def button() -> object:

@@ -9,7 +9,7 @@ from cases import WindowTestCase
 
 
 class WithoutSoundTest(WindowTestCase):
-    environment: ClassVar[dict[str, str]] = {"PULSE_SERVER": "unix:/nonexistent/pulse"}
+    environment: ClassVar[dict[str, str | None]] = {"PULSE_SERVER": "unix:/nonexistent/pulse"}
 
     def test_the_preview_says_why_it_fails(self):
         song = self.load_tone()
