@@ -21,7 +21,7 @@ namespace {
 void introduce(QApplication& application)
 {
     application.setApplicationName(QStringLiteral("Tonvale"));
-    application.setDesktopFileName(QStringLiteral("io.github.tonvale.Tonvale"));
+    application.setDesktopFileName(QStringLiteral(TONVALE_ID));
     application.setWindowIcon(defaultIcon());
 }
 

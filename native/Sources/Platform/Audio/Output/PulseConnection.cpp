@@ -20,8 +20,8 @@ Properties applicationProperties()
 {
     Properties properties(pa_proplist_new(), &pa_proplist_free);
     pa_proplist_sets(properties.get(), PA_PROP_APPLICATION_NAME, "Tonvale");
-    pa_proplist_sets(properties.get(), PA_PROP_APPLICATION_ID, "io.github.tonvale.Tonvale");
-    pa_proplist_sets(properties.get(), PA_PROP_APPLICATION_ICON_NAME, "io.github.tonvale.Tonvale");
+    pa_proplist_sets(properties.get(), PA_PROP_APPLICATION_ID, TONVALE_ID);
+    pa_proplist_sets(properties.get(), PA_PROP_APPLICATION_ICON_NAME, TONVALE_ID);
     return properties;
 }
 
