@@ -217,6 +217,17 @@ TEST_F(AudioPreview, StopsAndRewindsForANewSong)
     EXPECT_EQ(preview.duration(), 1);
 }
 
+TEST_F(AudioPreview, GivesTheDeviceTheNameOfTheSong)
+{
+    preview.load(makeSong("Früh am Tag.wav", 4410));
+    preview.play(0, 0);  // which opens the device
+    EXPECT_EQ(device.title, "Früh am Tag.wav");
+    preview.load(makeSong("other.wav", 4410));
+    EXPECT_EQ(device.title, "other.wav");
+    EXPECT_THROW(preview.load(folder.path() / "missing.wav"), PlatformError);
+    EXPECT_EQ(device.title, "other.wav");
+}
+
 TEST_F(AudioPreview, KeepsTheSongAndPlaysOnWhenAnotherDoesNotOpen)
 {
     load(20);

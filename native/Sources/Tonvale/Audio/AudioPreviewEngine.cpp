@@ -5,6 +5,7 @@
 #include "Tonvale/Audio/AudioPreviewEngine.h"
 
 #include "Platform/Audio/AudioFile.h"
+#include "Platform/Foundation/FileName.h"
 #include "Tonvale/Audio/PlaybackSegment.h"
 
 #include <chrono>
@@ -27,6 +28,7 @@ AudioPreviewEngine::~AudioPreviewEngine()
 void AudioPreviewEngine::load(const std::filesystem::path& url)
 {
     audioFile_ = std::make_shared<AudioFile>(AudioFile::forReading(url));
+    engine_.setTitle(FileName::lastPathComponent(url).string());
     playbackStartDate_.reset();
     playbackStartTime_ = 0;
 }

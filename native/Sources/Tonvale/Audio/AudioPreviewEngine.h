@@ -27,7 +27,8 @@ public:
     AudioPreviewEngine();
     ~AudioPreviewEngine();
 
-    /// Opens a song; the position becomes 0. The caller stops a playing one before.
+    /// Opens a song; the position becomes 0, and the desktop's mixer shows the file's name. The
+    /// caller stops a playing one before.
     /// @error PlatformError; nothing changes then
     void load(const std::filesystem::path& url);
 
