@@ -160,6 +160,20 @@ TEST_F(PulseAudioOutputTest, TheMixerShowsWhoPlaysAndWhat)
         [&] { return shown().find("media.name = \"Für Elise\"") != std::string::npos; }));
 }
 
+TEST_F(PulseAudioOutputTest, ANameThatIsNotUtf8IsShownAsFarAsItIs)
+{
+    const auto shows = [](const std::string& title) {
+        return PulseServer::control({"list", "sink-inputs"}).find("media.name = \"" + title + "\"")
+               != std::string::npos;
+    };
+    output->setTitle("caf\xE9.wav");  // of a disk from another time
+    output->start(source);
+    EXPECT_TRUE(shows("caf_.wav"));
+    output->setTitle("\xFC"
+                     "ber.wav");
+    EXPECT_TRUE(eventually([&] { return shows("_ber.wav"); }));
+}
+
 }  // namespace
 
 }  // namespace tonvale::test

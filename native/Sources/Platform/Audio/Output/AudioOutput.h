@@ -69,7 +69,7 @@ public:
     /// between. @thread ANY
     [[nodiscard]] virtual std::uint64_t underrunCount() const noexcept = 0;
 
-    /// What the desktop's mixer shows for the stream; may be set before start().
+    /// What the desktop's mixer shows for the stream, UTF-8 or not; may be set before start().
     virtual void setTitle(std::string_view title) = 0;
 };
 

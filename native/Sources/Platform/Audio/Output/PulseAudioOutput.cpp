@@ -23,6 +23,14 @@ constexpr auto pauseAfter = 250ms;       // of silence: longer than any song's r
 constexpr auto fadeLength = 5ms;
 constexpr std::uint32_t queueSeconds = 1;  // more than any device is asked to hold
 
+/// The server drops a text that is not UTF-8, and old file names are not: `_` for what is wrong.
+std::string utf8(std::string_view text)
+{
+    const std::unique_ptr<char, decltype(&pa_xfree)> filtered(
+        pa_utf8_filter(std::string(text).c_str()), &pa_xfree);
+    return filtered.get();
+}
+
 }  // namespace
 
 PulseAudioOutput::~PulseAudioOutput()
@@ -95,11 +103,11 @@ void PulseAudioOutput::prepare(AudioOutputSource& source)
 void PulseAudioOutput::setTitle(std::string_view title)
 {
     if (!loop_) {
-        title_ = title;
+        title_ = utf8(title);
         return;
     }
     const PulseMainLoop::Lock lock(*loop_);
-    title_ = title;
+    title_ = utf8(title);
     if (isRunning_) {
         stream_->setTitle(title_);
     }
