@@ -14,9 +14,11 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -34,16 +36,25 @@ inline Samples side(const Samples& interleaved, std::size_t which)
     return samples;
 }
 
+inline bool areAll(const Samples& samples, float level)
+{
+    return !samples.empty()
+           && std::ranges::all_of(samples, [level](float sample) { return sample == level; });
+}
+
+/// As whoever previews a song does it.
+inline void connectAll(AudioEngine& engine, AudioPlayerNode& player, AudioUnitTimePitch& pitch)
+{
+    engine.attach(player);
+    engine.attach(pitch);
+    engine.connect(player, pitch, std::nullopt);
+    engine.connect(pitch, engine.mainMixerNode(), std::nullopt);
+}
+
 /// Player, time-pitch unit and mixer on a device that takes frames when the test says so.
 class LiveGraph : public ::testing::Test {
 protected:
-    LiveGraph()
-    {
-        engine.attach(player);
-        engine.attach(pitch);
-        engine.connect(player, pitch, std::nullopt);
-        engine.connect(pitch, engine.mainMixerNode(), std::nullopt);
-    }
+    LiveGraph() { connectAll(engine, player, pitch); }
 
     std::shared_ptr<AudioFile> write(const std::string& name, double sampleRate,
                                      const Channels& channels)
