@@ -10,6 +10,7 @@
 #include <cerrno>
 #include <chrono>
 #include <csignal>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -66,6 +67,16 @@ std::size_t heapBytesInUse()
 {
     const auto usage = ::mallinfo2();
     return usage.uordblks + usage.hblkhd;
+}
+
+bool heapIsCountedExactly()
+{
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    return false;
+#else
+    const char* const tunables = std::getenv("GLIBC_TUNABLES");
+    return tunables != nullptr && std::string(tunables) == "glibc.malloc.tcache_count=0";
+#endif
 }
 
 }  // namespace tonvale::test

@@ -28,7 +28,10 @@ namespace tonvale::test {
 /// Our own threads, the caller's included.
 [[nodiscard]] std::size_t threadCount();
 
-/// What is allocated and not freed, as the C library counts it; not with a sanitizer's allocator.
+/// What is allocated and not freed, as the C library counts it: with what its threads keep for
+/// themselves, unless heapIsCountedExactly().
 [[nodiscard]] std::size_t heapBytesInUse();
+/// Whether GLIBC_TUNABLES forbids that. Not with a sanitizer, which has an allocator of its own.
+[[nodiscard]] bool heapIsCountedExactly();
 
 }  // namespace tonvale::test
