@@ -156,7 +156,8 @@ void free(void* memory)
 }  // extern "C"
 
 // One of these for each function that locks, waits, or touches a file: the same name and
-// parameters, noted, then passed on.
+// parameters, noted, then passed on. sem_post is none of them: it neither locks nor waits, even a
+// signal handler may call it, and it is how the device's thread wakes the one that renders.
 #define TONVALE_WATCHED(result, name, parameters, arguments, ...)                                  \
     extern "C" result name parameters __VA_ARGS__                                                  \
     {                                                                                              \
@@ -179,7 +180,6 @@ TONVALE_WATCHED(int, pthread_cond_broadcast, (pthread_cond_t * condition), (cond
 TONVALE_WATCHED(int, pthread_join, (pthread_t thread, void** result), (thread, result))
 TONVALE_WATCHED(int, sem_wait, (sem_t * semaphore), (semaphore))
 TONVALE_WATCHED(int, sem_timedwait, (sem_t * semaphore, const timespec* end), (semaphore, end))
-TONVALE_WATCHED(int, sem_post, (sem_t * semaphore), (semaphore), noexcept)
 TONVALE_WATCHED(ssize_t, read, (int file, void* bytes, std::size_t count), (file, bytes, count))
 TONVALE_WATCHED(ssize_t, write, (int file, const void* bytes, std::size_t count),
                 (file, bytes, count))
