@@ -6,62 +6,45 @@
 // whole way from the file to a sound server of its own that plays to nobody.
 //
 //     preview-latency [seconds] [song]     how long to look for underruns with every core busy
-//     (60),
-//                                          and of which song, instead of a made one
+//                                          (60), and of which song, instead of a made one
 
 #include "Platform/Audio/AudioFile.h"
 #include "Platform/Audio/Graph/AudioEngine.h"
 #include "Platform/Audio/Graph/AudioPlayerNode.h"
 #include "Platform/Audio/Graph/AudioUnitTimePitch.h"
+#include "SoundMeasuring.h"
 #include "Support/PulseServer.h"
 #include "Support/Recorder.h"
 #include "Support/TemporaryFolder.h"
-
-#include <sys/resource.h>
+#include "ToneAnalysis.h"
 
 #include <algorithm>
-#include <atomic>
 #include <chrono>
 #include <cmath>
-#include <complex>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <memory>
 #include <numbers>
-#include <stdexcept>
 #include <thread>
 #include <vector>
 
 namespace {
 
 using namespace tonvale;
+using namespace tonvale::benchmarks;
 using test::Recorder;
-using Samples = std::vector<float>;
+using Figures = std::vector<double>;
 
-constexpr double deviceRate = 48000;
 constexpr double songRate = 44100;
 constexpr double tone = 440;
-constexpr float level = 0.5F;
+constexpr double level = 0.5;
 constexpr std::int64_t half = 60 * 44100;  // frames; a tone on the left, then on the right
 constexpr int rounds = 10;
 
-void report(const char* what, Samples figures, const char* unit)
+double milliseconds(double frames)
 {
-    std::sort(figures.begin(), figures.end());
-    std::printf("%-36s median %7.1f, from %7.1f to %7.1f %s\n", what,
-                double{figures[figures.size() / 2]}, double{figures.front()},
-                double{figures.back()}, unit);
-}
-
-float decibels(double ratio)
-{
-    return static_cast<float>(20 * std::log10(std::max(ratio, 1e-9)));
-}
-
-float milliseconds(double frames)
-{
-    return static_cast<float>(frames * 1000 / deviceRate);
+    return frames * 1000 / deviceRate;
 }
 
 std::shared_ptr<AudioFile> makeSong(const std::filesystem::path& path)
@@ -112,89 +95,12 @@ private:
     AudioEngine engine_;  // last: goes before its nodes
 };
 
-void wait(Recorder& recorder, double seconds)
-{
-    if (!recorder.waitForSeconds(seconds)) {
-        throw std::runtime_error("the recording stopped");
-    }
-}
-
-double now(const Recorder& recorder)
-{
-    return recorder.frameAt(Recorder::Clock::now());
-}
-
-std::size_t firstSound(const Samples& sound, double from)
-{
-    auto frame = static_cast<std::size_t>(std::max(0.0, from));
-    while (frame < sound.size() && sound[frame] == 0.0F) {
-        ++frame;
-    }
-    return frame;
-}
-
-std::size_t endOfSound(const Samples& sound)
-{
-    std::size_t end = sound.size();
-    while (end > 0 && sound[end - 1] == 0.0F) {
-        --end;
-    }
-    return end;
-}
-
-/// Level of a tone around `centre`, seen through a smooth window of `size` frames.
-double levelAt(const Samples& sound, double centre, std::size_t size, double frequency)
-{
-    const auto first = static_cast<std::size_t>(centre) - size / 2;
-    std::complex<double> sum = 0;
-    for (std::size_t i = 0; i < size; ++i) {
-        const double x = 2 * std::numbers::pi * static_cast<double>(i) / static_cast<double>(size);
-        // Blackman-Harris: what is elsewhere in the spectrum stays 92 dB down.
-        const double window =
-            0.35875 - 0.48829 * std::cos(x) + 0.14128 * std::cos(2 * x) - 0.01168 * std::cos(3 * x);
-        const double turns = frequency * static_cast<double>(i) / deviceRate;
-        sum += window * double{sound[first + i]} * std::polar(1.0, 2 * std::numbers::pi * turns);
-    }
-    return 2 * std::abs(sum) / (0.35875 * static_cast<double>(size));
-}
-
-/// The largest component above 3 kHz in any short stretch, against the tone.
-float clickIn(const Samples& sound, double from, double to)
-{
-    constexpr std::size_t size = 512;
-    double worst = 0;
-    for (double centre = from; centre < to; centre += size / 4) {
-        for (double frequency = 3000; frequency < 20000; frequency += 2 * deviceRate / size) {
-            worst = std::max(worst, levelAt(sound, centre, size, frequency));
-        }
-    }
-    return decibels(worst / double{level});
-}
-
-/// The lowest power in any 20 ms, against the tone's.
-float dipIn(const Samples& sound, double from, double to)
-{
-    constexpr std::size_t size = 960;
-    double least = 1e9;
-    for (double first = from; first < to; first += size / 20) {
-        double power = 0;
-        for (std::size_t i = 0; i < size; ++i) {
-            const double window =
-                1 - std::cos(2 * std::numbers::pi * static_cast<double>(i) / size);
-            const double sample = double{sound[static_cast<std::size_t>(first) + i]};
-            power += window * sample * sample;
-        }
-        least = std::min(least, power / size);
-    }
-    return decibels(std::sqrt(2 * least) / double{level});
-}
-
 void measurePlayAndStop(Preview& preview, Recorder& recorder,
                         const std::shared_ptr<AudioFile>& song, float cents)
 {
-    Samples begins;
-    Samples ends;
-    Samples clicks;
+    Figures begins;
+    Figures ends;
+    Figures clicks;
     preview.setPitch(cents);
     for (int round = 0; round < rounds; ++round) {
         const double play = now(recorder);
@@ -208,8 +114,8 @@ void measurePlayAndStop(Preview& preview, Recorder& recorder,
         const auto begin = static_cast<double>(firstSound(sound, play - 480));
         begins.push_back(milliseconds(begin - play));
         ends.push_back(milliseconds(end - stop));
-        clicks.push_back(std::max(clickIn(sound, begin - 600, begin + 2400),
-                                  clickIn(sound, end - 600, end + 600)));
+        clicks.push_back(std::max(clickIn(sound, level, begin - 600, begin + 2400),
+                                  clickIn(sound, level, end - 600, end + 600)));
     }
     std::printf("%+.0f cents\n", double{cents});
     report("  from play to sound", begins, "ms");
@@ -219,8 +125,8 @@ void measurePlayAndStop(Preview& preview, Recorder& recorder,
 
 void measureSeek(Preview& preview, Recorder& recorder, const std::shared_ptr<AudioFile>& song)
 {
-    Samples begins;
-    Samples ends;
+    Figures begins;
+    Figures ends;
     for (int round = 0; round < rounds; ++round) {
         preview.play(song, half / 2);
         wait(recorder, 0.3 + 0.0013 * round);
@@ -241,9 +147,9 @@ void measureSeek(Preview& preview, Recorder& recorder, const std::shared_ptr<Aud
 void measureRetune(Preview& preview, Recorder& recorder, const std::shared_ptr<AudioFile>& song,
                    float cents)
 {
-    Samples times;
-    Samples clicks;
-    Samples dips;
+    Figures times;
+    Figures clicks;
+    Figures dips;
     const double shifted = tone * std::exp2(double{cents} / 1200);
     for (int round = 0; round < rounds; ++round) {
         preview.setPitch(0);
@@ -254,12 +160,12 @@ void measureRetune(Preview& preview, Recorder& recorder, const std::shared_ptr<A
         wait(recorder, 0.5);
         const Samples sound = recorder.channel(0);
         double time = change + 19200;
-        while (decibels(levelAt(sound, time, 960, shifted) / double{level}) > -0.3F) {
+        while (decibels(levelAt(sound, time, 960, shifted) / level) > -0.3) {
             time -= 24;
         }
         times.push_back(milliseconds(time - change));
-        clicks.push_back(clickIn(sound, change, change + 14400));
-        dips.push_back(dipIn(sound, change, change + 14400));
+        clicks.push_back(clickIn(sound, level, change, change + 14400));
+        dips.push_back(dipIn(sound, level, change, change + 14400));
         preview.stop();
         wait(recorder, 0.2);
     }
@@ -269,34 +175,13 @@ void measureRetune(Preview& preview, Recorder& recorder, const std::shared_ptr<A
     report("  dip", dips, "dB");
 }
 
-double processorSeconds()
-{
-    rusage usage{};
-    ::getrusage(RUSAGE_SELF, &usage);
-    const auto seconds = [](const timeval& time) {
-        return static_cast<double>(time.tv_sec) + 1e-6 * static_cast<double>(time.tv_usec);
-    };
-    return seconds(usage.ru_utime) + seconds(usage.ru_stime);
-}
-
 void measureLoad(Preview& preview, const std::shared_ptr<AudioFile>& song,
                  std::chrono::seconds time)
 {
     preview.setPitch(300);
     preview.play(song, 0);
-    const double before = processorSeconds();
-    constexpr int calmSeconds = 10;
-    std::this_thread::sleep_for(std::chrono::seconds(calmSeconds));
-    std::printf("processor while playing              %.2f %% of a core\n",
-                100 * (processorSeconds() - before) / calmSeconds);
-    std::atomic<bool> isOver = false;
-    std::vector<std::thread> busy;
-    for (unsigned core = 0; core < std::thread::hardware_concurrency(); ++core) {
-        busy.emplace_back([&isOver] {
-            while (!isOver) {
-            }
-        });
-    }
+    reportProcessor("processor while playing", std::chrono::seconds(10));
+    const BusyCores busy;
     const std::uint64_t underrunsBefore = preview.underruns();
     const auto end = std::chrono::steady_clock::now() + time;
     while (std::chrono::steady_clock::now() < end) {
@@ -307,13 +192,7 @@ void measureLoad(Preview& preview, const std::shared_ptr<AudioFile>& song,
             end, std::chrono::steady_clock::now()
                      + std::chrono::duration_cast<std::chrono::milliseconds>(length)));
     }
-    std::printf("underruns in %lld s, every core busy   %llu\n",
-                static_cast<long long>(time.count()),
-                static_cast<unsigned long long>(preview.underruns() - underrunsBefore));
-    isOver = true;
-    for (std::thread& thread : busy) {
-        thread.join();
-    }
+    reportUnderruns(preview.underruns() - underrunsBefore, time);
 }
 
 }  // namespace

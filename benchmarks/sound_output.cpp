@@ -6,27 +6,24 @@
 //
 //     sound-output [seconds]     how long to look for underruns with every core busy; 60 by default
 
+#include "SoundMeasuring.h"
 #include "Support/PulseServer.h"
 #include "Support/Recorder.h"
 #include "Support/ToneSource.h"
 
-#include <sys/resource.h>
-
 #include <algorithm>
-#include <atomic>
 #include <chrono>
 #include <cmath>
-#include <cstdio>
 #include <cstdlib>
 #include <memory>
 #include <numbers>
-#include <stdexcept>
 #include <thread>
 #include <vector>
 
 namespace {
 
 using namespace tonvale;
+using namespace tonvale::benchmarks;
 using test::Recorder;
 using test::ToneSource;
 
@@ -34,35 +31,11 @@ constexpr double rate = 48000;
 constexpr double frequency = 997;
 constexpr int rounds = 20;
 
-double processorSeconds()
-{
-    rusage usage{};
-    ::getrusage(RUSAGE_SELF, &usage);
-    const auto seconds = [](const timeval& time) {
-        return static_cast<double>(time.tv_sec) + 1e-6 * static_cast<double>(time.tv_usec);
-    };
-    return seconds(usage.ru_utime) + seconds(usage.ru_stime);
-}
-
-void report(const char* what, std::vector<double> figures, const char* unit)
-{
-    std::sort(figures.begin(), figures.end());
-    std::printf("%-34s median %6.1f, from %6.1f to %6.1f %s\n", what, figures[figures.size() / 2],
-                figures.front(), figures.back(), unit);
-}
-
 struct Take {
     double beginMilliseconds;  // from play to the first frame
     double endMilliseconds;    // from the discard to the last
     double clickDecibels;      // second difference beyond the tone's own, against a full tone's
 };
-
-void wait(Recorder& recorder, double seconds)
-{
-    if (!recorder.waitForSeconds(seconds)) {
-        throw std::runtime_error("the recording stopped");
-    }
-}
 
 double clickDecibels(const std::vector<float>& sound, std::size_t begin, std::size_t end)
 {
@@ -81,12 +54,12 @@ Take playAndStop(Recorder& recorder, AudioOutput& output, ToneSource& source, do
 {
     const std::size_t before = recorder.frameCount();
     source.setTone(frequency);
-    const double play = recorder.frameAt(Recorder::Clock::now());
+    const double play = now(recorder);
     source.offer(ToneSource::unlimited);
     output.framesReady();
     wait(recorder, seconds);
     source.offer(0);
-    const double stop = recorder.frameAt(Recorder::Clock::now());
+    const double stop = now(recorder);
     output.discardQueued();
     wait(recorder, 0.2);
 
@@ -119,33 +92,12 @@ void measureSound(AudioOutput& output, ToneSource& source)
     report("click at a discard", clicks, "dB");
 }
 
-/// @return the share of one core that this process used meanwhile
-double processorShare(std::chrono::seconds time)
-{
-    const double before = processorSeconds();
-    std::this_thread::sleep_for(time);
-    return 100.0 * (processorSeconds() - before) / static_cast<double>(time.count());
-}
-
 void measureUnderruns(AudioOutput& output, std::chrono::seconds time)
 {
-    std::atomic<bool> isOver = false;
-    std::vector<std::thread> busy;
-    for (unsigned core = 0; core < std::thread::hardware_concurrency(); ++core) {
-        busy.emplace_back([&isOver] {
-            while (!isOver) {
-            }
-        });
-    }
+    const BusyCores busy;
     const std::uint64_t before = output.underrunCount();
     std::this_thread::sleep_for(time);
-    const std::uint64_t count = output.underrunCount() - before;
-    isOver = true;
-    for (std::thread& thread : busy) {
-        thread.join();
-    }
-    std::printf("underruns in %lld s, every core busy %llu\n", static_cast<long long>(time.count()),
-                static_cast<unsigned long long>(count));
+    reportUnderruns(output.underrunCount() - before, time);
 }
 
 }  // namespace
@@ -158,13 +110,11 @@ int main(int count, char** arguments)
     const std::unique_ptr<AudioOutput> output = AudioOutput::create();
     output->start(source);
     measureSound(*output, source);
-    std::printf("processor while idle               %.2f %% of a core\n",
-                processorShare(std::chrono::seconds(5)));
+    reportProcessor("processor while idle", std::chrono::seconds(5));
     source.setTone(frequency);
     source.offer(ToneSource::unlimited);
     output->framesReady();
-    std::printf("processor while playing            %.2f %% of a core\n",
-                processorShare(std::chrono::seconds(10)));
+    reportProcessor("processor while playing", std::chrono::seconds(10));
     measureUnderruns(*output, time);
     return output->isRunning() ? 0 : 1;
 }
