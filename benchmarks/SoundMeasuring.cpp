@@ -4,27 +4,13 @@
 
 #include "SoundMeasuring.h"
 
-#include <sys/resource.h>
+#include "Support/ProcessState.h"
 
 #include <algorithm>
 #include <cstdio>
 #include <stdexcept>
 
 namespace tonvale::benchmarks {
-
-namespace {
-
-double processorSeconds()
-{
-    rusage usage{};
-    ::getrusage(RUSAGE_SELF, &usage);
-    const auto seconds = [](const timeval& time) {
-        return static_cast<double>(time.tv_sec) + 1e-6 * static_cast<double>(time.tv_usec);
-    };
-    return seconds(usage.ru_utime) + seconds(usage.ru_stime);
-}
-
-}  // namespace
 
 void report(const char* what, std::vector<double> figures, const char* unit)
 {
@@ -35,9 +21,9 @@ void report(const char* what, std::vector<double> figures, const char* unit)
 
 void reportProcessor(const char* what, std::chrono::seconds time)
 {
-    const double before = processorSeconds();
+    const double before = test::processorSeconds();
     std::this_thread::sleep_for(time);
-    const double share = (processorSeconds() - before) / static_cast<double>(time.count());
+    const double share = (test::processorSeconds() - before) / static_cast<double>(time.count());
     std::printf("%-36s %.2f %% of a core\n", what, 100 * share);
 }
 

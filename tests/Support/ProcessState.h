@@ -28,6 +28,9 @@ namespace tonvale::test {
 /// Our own threads, the caller's included.
 [[nodiscard]] std::size_t threadCount();
 
+/// What our own threads have used of the processors, in seconds.
+[[nodiscard]] double processorSeconds();
+
 /// What is allocated and not freed, as the C library counts it: with what its threads keep for
 /// themselves, unless heapIsCountedExactly().
 [[nodiscard]] std::size_t heapBytesInUse();

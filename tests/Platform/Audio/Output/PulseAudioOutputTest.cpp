@@ -5,8 +5,6 @@
 #include "Platform/Audio/Output/SoundTest.h"
 #include "Support/ProcessState.h"
 
-#include <sys/resource.h>
-
 #include <chrono>
 
 namespace tonvale::test {
@@ -14,16 +12,6 @@ namespace tonvale::test {
 namespace {
 
 using PulseAudioOutputTest = SoundTest;
-
-double processorSeconds()
-{
-    rusage usage{};
-    ::getrusage(RUSAGE_SELF, &usage);
-    const auto seconds = [](const timeval& time) {
-        return static_cast<double>(time.tv_sec) + 1e-6 * static_cast<double>(time.tv_usec);
-    };
-    return seconds(usage.ru_utime) + seconds(usage.ru_stime);
-}
 
 /// Whether our stream, the only one in this server that ever is, is paused.
 bool isPaused()
