@@ -17,8 +17,8 @@ from screen import Area  # noqa: E402
 PREFIX = "org.a11y.atspi."
 ROOT = "/org/a11y/atspi/accessible/root"
 # Bits of the state set that the tests ask for (atspi-constants.h).
-STATES = {1: "active", 4: "checked", 5: "checkable", 8: "enabled", 9: "expandable", 10: "expanded", 11: "focusable", 12: "focused",
-          16: "modal", 20: "pressed", 23: "selected", 24: "sensitive", 25: "showing", 30: "visible"}
+STATES = {1: "active", 4: "checked", 5: "checkable", 8: "enabled", 9: "expandable", 10: "expanded", 11: "focusable",
+          12: "focused", 16: "modal", 20: "pressed", 23: "selected", 24: "sensitive", 25: "showing", 30: "visible"}
 CALL_MILLISECONDS = 10000
 
 
@@ -32,10 +32,12 @@ def connect(address: str) -> Gio.DBusConnection:
         address, flags.AUTHENTICATION_CLIENT | flags.MESSAGE_BUS_CONNECTION, None, None)
 
 
-def ask(bus: Gio.DBusConnection, owner: str, path: str, interface: str, method: str, arguments: GLib.Variant | None = None) -> Any:
+def ask(bus: Gio.DBusConnection, owner: str, path: str, interface: str, method: str,
+        arguments: GLib.Variant | None = None) -> Any:
     """Calls a method and unpacks its answer. @error Gone"""
     try:
-        answer = bus.call_sync(owner, path, interface, method, arguments, None, Gio.DBusCallFlags.NONE, CALL_MILLISECONDS, None)
+        answer = bus.call_sync(owner, path, interface, method, arguments, None, Gio.DBusCallFlags.NONE,
+                               CALL_MILLISECONDS, None)
     except GLib.Error as error:
         raise Gone(f"{method} of {path}: {error.message}") from error
     return answer.unpack()

@@ -14,6 +14,7 @@ from accessibility import Element, Gone
 from desktop import Desktop
 from processes import start, wait_until
 
+DIALOGS = ("dialog", "alert", "file chooser")
 START_SECONDS = 60.0  # with sanitizers on a busy machine; without, it is below one
 
 
@@ -32,7 +33,8 @@ class Installation:
 
 
 class Application:
-    def __init__(self, desktop: Desktop, installation: Installation, folder: Path, variables: dict[str, str | None]) -> None:
+    def __init__(self, desktop: Desktop, installation: Installation, folder: Path,
+                 variables: dict[str, str | None]) -> None:
         """Starts it and waits for its window.
         @param folder     new; everything that the program may write by itself would be in there
         @param variables  of its environment, where it is not the tests' usual one; none: not set
@@ -43,8 +45,8 @@ class Application:
             made.mkdir(parents=True)
         self._output = folder / "output"
         environment = {
-            **desktop.environment, "HOME": str(self.home), "TMPDIR": str(self.temporary), "QT_QUICK_BACKEND": "software",
-            "QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1", "QT_FORCE_STDERR_LOGGING": "1",
+            **desktop.environment, "HOME": str(self.home), "TMPDIR": str(self.temporary),
+            "QT_QUICK_BACKEND": "software", "QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1", "QT_FORCE_STDERR_LOGGING": "1",
             # Whoever reads a window that changes asks for things that have just gone; that is no fault of the program.
             "QT_LOGGING_RULES": "qt.accessibility.*.warning=false", **variables}
         with open(self._output, "wb") as output:
@@ -98,7 +100,8 @@ class Application:
         wait_until(lambda: set(texts) <= set(self.texts()), lambda: f"{texts} among\n{self.describe()}")
 
     def wait_for_enabled(self, name: str, enabled: bool = True) -> None:
-        wait_until(lambda: self.button(name).enabled == enabled, f"{name!r} to be {'enabled' if enabled else 'disabled'}")
+        wait_until(lambda: self.button(name).enabled == enabled,
+                   f"{name!r} to be {'enabled' if enabled else 'disabled'}")
 
     def wait_for_focus(self, role: str, name: str) -> None:
         wait_until(lambda: (element := self.look(role, name)) and "focused" in element.states,
@@ -112,15 +115,16 @@ class Application:
         """A window beside the main one, by its title."""
         def find() -> Element | None:
             return next((element for element in self.elements()
-                         if element.role in ("dialog", "alert", "file chooser") and title in (None, element.name)), None)
+                         if element.role in DIALOGS and title in (None, element.name)), None)
         return wait_until(find, lambda: f"the dialog {title!r} among\n{self.describe()}")
 
     def wait_for_no_dialog(self) -> None:
-        wait_until(lambda: not any(element.role in ("dialog", "alert", "file chooser") for element in self.elements()),
+        wait_until(lambda: not any(element.role in DIALOGS for element in self.elements()),
                    lambda: f"no dialog among\n{self.describe()}")
 
     def describe(self) -> str:
-        return "\n".join(f"  {element.role} {element.name!r} {' '.join(sorted(element.states))}" for element in self.elements())
+        return "\n".join(f"  {element.role} {element.name!r} {' '.join(sorted(element.states))}"
+                         for element in self.elements())
 
     def wait_for_end(self, seconds: float = 20.0) -> int:
         """@return the exit status"""

@@ -108,7 +108,8 @@ class WindowTestCase(unittest.TestCase):
         wait_until(lambda: self.chosen_key(picker) == name, lambda: f"{picker} {name}, it is {self.chosen_key(picker)}")
 
     def wait_for_closed_pickers(self) -> None:
-        wait_until(lambda: not any(element.role == "list item" for element in self.program.elements()), "closed pickers")
+        wait_until(lambda: not any(element.role == "list item" for element in self.program.elements()),
+                   "closed pickers")
 
     def chosen_key(self, picker: str) -> str:
         """What a screen reader says that the picker stands on."""
@@ -124,7 +125,8 @@ class WindowTestCase(unittest.TestCase):
         """Waits for a pitch, and hears that it stays."""
         def is_near(heard: float | None) -> bool:
             return heard is not None and abs(cents(heard, hz)) < PITCH_CENTS
-        wait_until(lambda: is_near(self.recorder.pitch(0.4)), lambda: f"{hz:.2f} Hz, {self.recorder.pitch(0.4)} is heard")
+        wait_until(lambda: is_near(self.recorder.pitch(0.4)),
+                   lambda: f"{hz:.2f} Hz, {self.recorder.pitch(0.4)} is heard")
         heard = pitch_of(self.recorder.next(0.8), self.recorder.RATE)
         self.assertIsNotNone(heard, "silence follows")
         self.assertLess(abs(cents(heard, hz)), PITCH_CENTS, f"{heard} Hz")
@@ -153,8 +155,10 @@ class WindowTestCase(unittest.TestCase):
 
     def convert_button(self) -> Element:
         """The button that saves, whatever it says just now."""
-        return wait_until(lambda: next((element for element in self.program.elements() if element.role == "push button"
-                                        and element.name.startswith(("Convert", "Rendering..."))), None), "the convert button")
+        def find() -> Element | None:
+            return next((element for element in self.program.elements() if element.role == "push button"
+                         and element.name.startswith(("Convert", "Rendering..."))), None)
+        return wait_until(find, "the convert button")
 
     # The window
 

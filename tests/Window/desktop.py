@@ -12,7 +12,7 @@ import tempfile
 import unittest
 from pathlib import Path
 
-from processes import adopt_orphans, descendants, end_descendants, start, wait_until
+from processes import adopt_orphans, end_descendants, start, wait_until
 from screen import Screen
 from sound import Recorder
 
@@ -105,19 +105,17 @@ class Desktop:
 
     def _start_sound(self) -> None:
         socket = self.folder / "pulse"
+        # The sink first: whoever finds the socket may play at once.
         self.start("pulseaudio", "-n", "--daemonize=no", "--use-pid-file=no", "--exit-idle-time=-1", "--realtime=no",
-                   "--high-priority=no", f"--load=module-native-protocol-unix socket={socket} auth-anonymous=1",
-                   f"--load=module-null-sink sink_name={SINK} rate={Recorder.RATE} channels=2 format=float32le")
+                   "--high-priority=no",
+                   f"--load=module-null-sink sink_name={SINK} rate={Recorder.RATE} channels=2 format=float32le",
+                   f"--load=module-native-protocol-unix socket={socket} auth-anonymous=1")
         self.environment["PULSE_SERVER"] = f"unix:{socket}"
         wait_until(socket.exists, "the sound server", START_SECONDS)
         # The monitor of a sink gives nothing at all until a stream plays.
         self.start("pacat", "--playback", f"--device={SINK}", "--raw", "--latency-msec=20", "--format=s16le",
                    f"--rate={Recorder.RATE}", "--channels=2", "/dev/zero")
         self.recorder = Recorder(self.start(
-            "parec", f"--device={SINK}.monitor", "--raw", "--format=float32le", f"--rate={Recorder.RATE}", "--channels=1",
-            "--latency-msec=10", stdout=subprocess.PIPE))
+            "parec", f"--device={SINK}.monitor", "--raw", "--format=float32le", f"--rate={Recorder.RATE}",
+            "--channels=1", "--latency-msec=10", stdout=subprocess.PIPE))
         self.recorder.wait_for_sound(START_SECONDS)
-
-    @staticmethod
-    def leftovers() -> set[int]:
-        return descendants()

@@ -58,7 +58,9 @@ class DragSource:
         return answer
 
     def hover(self, offer: dict[str, str], place: tuple[int, int]) -> str:
-        """Drags up to a place and holds the button. @return what would be done there with the offer, "copy" or "none" """
+        """Drags up to a place and holds the button.
+        @return  what would be done there with the offer, "copy" or "none"
+        """
         self._program.stdin.write(json.dumps(offer) + "\n")
         self._wait_for("offered")
         x, y = PLACE

@@ -23,12 +23,12 @@ def adopt_orphans() -> None:
 
 def start(command: list[str], **options: Any) -> subprocess.Popen:
     """Starts a program that is killed when this process ends, however it ends."""
-    return subprocess.Popen(["setpriv", "--pdeathsig", "KILL", "--", *command], stdin=options.pop("stdin", subprocess.DEVNULL),
-                            **options)
+    options.setdefault("stdin", subprocess.DEVNULL)
+    return subprocess.Popen(["setpriv", "--pdeathsig", "KILL", "--", *command], **options)
 
 
 def wait_until(condition: Callable[[], Any], what: str | Callable[[], str], seconds: float = 20.0) -> Any:
-    """Polls until the condition is true and returns its value; an AssertionError that says what was missing otherwise."""
+    """Polls until the condition is true and returns its value. @error AssertionError says what was missing"""
     deadline = time.monotonic() + seconds
     while not (value := condition()):
         if time.monotonic() > deadline:
@@ -58,7 +58,7 @@ def descendants() -> set[int]:
 
 
 def end_descendants() -> None:
-    """Ends and reaps everything that was started from here, and what that started; asks first, kills what does not obey."""
+    """Ends and reaps everything that was started from here, and what that started: asks, then kills."""
     for number, seconds in ((signal.SIGTERM, 3.0), (signal.SIGKILL, 20.0)):
         for process in descendants():
             signal_descendant(process, number)

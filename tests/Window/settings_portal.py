@@ -20,7 +20,8 @@ SETTINGS = "org.freedesktop.portal.Settings"
 APPEARANCE = "org.freedesktop.appearance"
 INTERFACE = f"""<node><interface name="{SETTINGS}">
 <method name="Read"><arg type="s" direction="in"/><arg type="s" direction="in"/><arg type="v" direction="out"/></method>
-<method name="ReadOne"><arg type="s" direction="in"/><arg type="s" direction="in"/><arg type="v" direction="out"/></method>
+<method name="ReadOne"><arg type="s" direction="in"/><arg type="s" direction="in"/>
+<arg type="v" direction="out"/></method>
 <method name="ReadAll"><arg type="as" direction="in"/><arg type="a{{sa{{sv}}}}" direction="out"/></method>
 <signal name="SettingChanged"><arg type="s"/><arg type="s"/><arg type="v"/></signal>
 <property name="version" type="u" access="read"/></interface></node>"""
@@ -32,7 +33,8 @@ class Portal:
         self.bus = Gio.bus_get_sync(Gio.BusType.SESSION, None)
         interface = Gio.DBusNodeInfo.new_for_xml(INTERFACE).interfaces[0]
         self.bus.register_object(PATH, interface, self.on_call, lambda *_: GLib.Variant("u", 2), None)
-        Gio.bus_own_name_on_connection(self.bus, NAME, Gio.BusNameOwnerFlags.NONE, lambda *_: print("ready", flush=True), None)
+        Gio.bus_own_name_on_connection(self.bus, NAME, Gio.BusNameOwnerFlags.NONE,
+                                       lambda *_: print("ready", flush=True), None)
 
     def on_call(self, _bus: object, _sender: str, _path: str, _interface: str, method: str, arguments: GLib.Variant,
                 invocation: Gio.DBusMethodInvocation) -> None:

@@ -48,7 +48,8 @@ def scale_second(hz: float) -> float:
 def silence(file: Path, hours: float) -> Path:
     """A long stereo song that takes no room on the disk; rendering it takes a while."""
     size = int(hours * 3600 * RATE) * 4
-    header = struct.pack("<4sI4s4sIHHIIHH4sI", b"RIFF", 36 + size, b"WAVE", b"fmt ", 16, 1, 2, RATE, RATE * 4, 4, 16, b"data", size)
+    header = struct.pack("<4sI4s4sIHHIIHH4sI", b"RIFF", 36 + size, b"WAVE", b"fmt ", 16, 1, 2, RATE, RATE * 4, 4, 16,
+                         b"data", size)
     file.write_bytes(header)
     with open(file, "r+b") as out:
         out.truncate(len(header) + size)

@@ -50,7 +50,8 @@ class DetectionTest(DetectionCase):
     def test_the_message_of_a_helper_that_fails_is_shown(self):
         self.load_tone()
         for helper, message in ((detection.FAILURE, "The song is too short."),
-                                (detection.UNKNOWN_KEY, "Detected H minor, but it could not be mapped to the app's key list."),
+                                (detection.UNKNOWN_KEY,
+                                 "Detected H minor, but it could not be mapped to the app's key list."),
                                 ("raise SystemExit(1)", "Key detection failed.")):
             self.detect(helper)
             self.program.wait_for_text(message, "No shift")

@@ -11,7 +11,8 @@ TEXTS = [
     "Tonvale", "Transpose a song from one key to another.",
     "Drop an audio file", "Choose a recording, then set the original key and destination key.",
     "Track", "No file selected", "Waiting for audio", "MP3, WAV, M4A, AIFF, and other browser-readable formats",
-    "Keys", "No shift", "Recorded key", "A# / Bb major", "New key", "A# / Bb major", "The selected keys are the same.", "Pitch shift 0 cents", "0",
+    "Keys", "No shift", "Recorded key", "A# / Bb major", "New key", "A# / Bb major",
+    "The selected keys are the same.", "Pitch shift 0 cents", "0",
     "Preview", "Unavailable", "Select an audio file to preview the transposed playback.", "0:00", "0:00"]
 BUTTONS = [("Clear", True), ("Convert", False), ("Browse files", True), ("Auto Detect Song Details", False),
            ("Play preview", False), ("Back 15 seconds", False), ("Forward 15 seconds", False)]
@@ -22,7 +23,8 @@ class EmptyWindowTest(WindowTestCase):
         self.assertEqual(self.program.texts(), TEXTS)
 
     def test_buttons_are_enabled_where_they_have_something_to_do(self):
-        buttons = [(element.name, element.enabled) for element in self.program.elements() if element.role == "push button"]
+        buttons = [(element.name, element.enabled) for element in self.program.elements()
+                   if element.role == "push button"]
         self.assertEqual(buttons, BUTTONS)
 
     def test_pickers_are_enabled_and_stand_on_b_flat_major(self):
@@ -86,17 +88,20 @@ class WindowSizeTest(WindowTestCase):
 
     def test_a_wider_window_widens_the_right_column_only(self):
         def widths() -> tuple[int, int]:
-            return self.program.button("Auto Detect Song Details").area.width, self.program.find("slider", "Position").area.width
+            controls = self.program.button("Auto Detect Song Details"), self.program.find("slider", "Position")
+            return controls[0].area.width, controls[1].area.width
         detect, timeline = widths()
         width, height = self.hands.window_size(self.window())
         self.resize(width + 300, height)
-        wait_until(lambda: widths() == (detect, timeline + 300), lambda: f"{(detect, timeline + 300)}, they are {widths()}")
+        wait_until(lambda: widths() == (detect, timeline + 300),
+                   lambda: f"{(detect, timeline + 300)}, they are {widths()}")
 
     def test_nothing_overlaps_in_the_smallest_window(self):
         self.resize(300, 200)
         self.load_tone(name="A song whose name goes on and on " * 5 + ".wav", seconds=1)
         self.transpose("C# / Db major", "D# / Eb minor")
-        things = [element for element in self.program.elements() if element.role in ("label", "push button", "slider", "combo box")]
+        things = [element for element in self.program.elements()
+                  if element.role in ("label", "push button", "slider", "combo box")]
         frame = next(element for element in self.program.elements() if element.role == "frame").area
         for index, thing in enumerate(things):
             area = thing.area

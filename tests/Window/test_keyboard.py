@@ -60,7 +60,8 @@ class KeyboardTest(WindowTestCase):
         self.program.wait_for_focus(BUTTON, "Play preview")
         focused_play = self.picture((BUTTON, "Play preview"))
         self.program.button("Clear").focus()
-        wait_until(lambda: changed_pixels(focused_play, self.picture((BUTTON, "Play preview"))) > VISIBLE_PIXELS, "a visible focus")
+        wait_until(lambda: changed_pixels(focused_play, self.picture((BUTTON, "Play preview"))) > VISIBLE_PIXELS,
+                   "a visible focus")
         self.hands.keys("Tab", "Tab")
         self.program.wait_for_focus(BUTTON, "Browse files")
         others = [control for control in LOADED if control != (BUTTON, "Browse files")]
@@ -68,7 +69,8 @@ class KeyboardTest(WindowTestCase):
         for control in [*LOADED[3:], *LOADED[:2]]:
             self.hands.keys("Tab")
             self.program.wait_for_focus(*control)
-            wait_until(lambda control=control: changed_pixels(without_focus[control], self.picture(control)) > VISIBLE_PIXELS,
+            wait_until(lambda control=control:
+                       changed_pixels(without_focus[control], self.picture(control)) > VISIBLE_PIXELS,
                        f"a visible focus on {control}")
 
     def spoken(self, element: Element) -> str:

@@ -23,7 +23,8 @@ class DropTest(WindowTestCase):
         self.assertTrue(self.drag_source.release())
         self.program.wait_for_text("take2.wav", "WAV audio file", "File loaded", "Ready", "1:15",
                                    "Drag the timeline or use the skip buttons to jump through the song.")
-        for name in ("Convert to Bb", "Auto Detect Song Details", "Play preview", "Back 15 seconds", "Forward 15 seconds"):
+        for name in ("Convert to Bb", "Auto Detect Song Details", "Play preview", "Back 15 seconds",
+                     "Forward 15 seconds"):
             self.program.wait_for_enabled(name)
         timeline = self.program.find("slider", "Position")
         self.assertTrue(timeline.enabled)

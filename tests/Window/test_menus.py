@@ -87,10 +87,12 @@ class AboutTest(WindowTestCase):
         self.panel()
 
     def panels(self) -> list[Element]:
-        return [element for element in self.program.elements() if element.name == ABOUT and element.role in ("dialog", "frame")]
+        return [element for element in self.program.elements()
+                if element.name == ABOUT and element.role in ("dialog", "frame")]
 
     def panel(self) -> Element:
-        return wait_until(lambda: next(iter(self.panels()), None), lambda: f"the panel among\n{self.program.describe()}")
+        return wait_until(lambda: next(iter(self.panels()), None),
+                          lambda: f"the panel among\n{self.program.describe()}")
 
     def test_it_says_name_version_and_author(self):
         texts = [element.name for element in self.panel().walk() if element.role == "label"]
@@ -117,6 +119,7 @@ class AboutTest(WindowTestCase):
 
     def test_closing_the_main_window_quits_although_it_is_open(self):
         self.hands.click(self.program.find("label", "Track").area.middle)
-        wait_until(lambda: "active" in self.program.find("frame", "Tonvale").states, "the main window to have the keyboard")
+        wait_until(lambda: "active" in self.program.find("frame", "Tonvale").states,
+                   "the main window to have the keyboard")
         self.hands.keys("alt+F4")
         self.assertEqual(self.program.wait_for_end(5), 0)

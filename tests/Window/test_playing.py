@@ -132,10 +132,12 @@ class MovingTest(PreviewCase):
         self.program.wait_for_text("Playing")
 
     def test_skipping_moves_the_stopped_song_up_to_its_ends(self):
-        for name, position in (("Forward", "0:15"), ("Forward", "0:30"), ("Back", "0:15"), ("Back", "0:00"), ("Back", "0:00"),
-                               *(("Forward", position) for position in ("0:15", "0:30", "0:45", "1:00", "1:00"))):
+        for name, position in (("Forward", "0:15"), ("Forward", "0:30"), ("Back", "0:15"), ("Back", "0:00"),
+                               ("Back", "0:00"), ("Forward", "0:15"), ("Forward", "0:30"), ("Forward", "0:45"),
+                               ("Forward", "1:00"), ("Forward", "1:00")):
             self.program.press(f"{name} 15 seconds")
-            wait_until(lambda: self.program.texts()[-2] == position, lambda: f"{position}, it is {self.program.texts()[-2]}")
+            wait_until(lambda position=position: self.program.texts()[-2] == position,
+                       lambda position=position: f"{position}, it is {self.program.texts()[-2]}")
         self.play()  # from the end means from the beginning
         self.wait_for_second(0, 2)
 
@@ -146,7 +148,8 @@ class MovingTest(PreviewCase):
         wait_until(lambda: timeline.value > 0, "the position to move")
         step = timeline.value
         self.hands.keys("Right", "Right", "Left")
-        wait_until(lambda: abs(timeline.value - 2 * step) < 0.01, lambda: f"position {2 * step}, it is {timeline.value}")
+        wait_until(lambda: abs(timeline.value - 2 * step) < 0.01,
+                   lambda: f"position {2 * step}, it is {timeline.value}")
         self.play()
         self.hands.keys("End")
         self.hands.keys("Home")
@@ -167,7 +170,8 @@ class MovingTest(PreviewCase):
         self.play()
         self.wait_for_second(0, 2)
         start = self.recorder.now()
-        self.hands.drag(self.timeline_place(0.05), *(self.timeline_place(share) for share in (0.2, 0.3, 0.4, 0.5, 0.6, 0.7, 0.7)))
+        self.hands.drag(self.timeline_place(0.05),
+                        *(self.timeline_place(share) for share in (0.2, 0.3, 0.4, 0.5, 0.6, 0.7, 0.7)))
         self.wait_for_second(40, 46)
         self.recorder.next(1.0)
         jumps = self.jumps(start)

@@ -43,7 +43,8 @@ class SavingTest(WindowTestCase):
 
     def test_the_extension_is_added_once(self):
         self.load_tone(seconds=1)
-        for typed, written in (("take.final", "take.final.wav"), ("take", "take.wav"), ("two.wav", "two.wav"), ("LOUD.WAV", "LOUD.WAV")):
+        for typed, written in (("take.final", "take.final.wav"), ("take", "take.wav"), ("two.wav", "two.wav"),
+                               ("LOUD.WAV", "LOUD.WAV")):
             self.save_as(self.folder / typed)
             wait_until((self.folder / written).exists, written)
             self.program.wait_for_text("Saved 0 semitones")

@@ -17,7 +17,8 @@ class SchemeCase(WindowTestCase):
 
     def start(self) -> Application:
         self.portal = self.desktop.start("/usr/bin/python3", str(Path(__file__).with_name("settings_portal.py")),
-                                         str(self.first), stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True, bufsize=1)
+                                         str(self.first), stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True,
+                                         bufsize=1)
         self.addCleanup(self.end_portal)
         self.assertEqual(self.portal.stdout.readline(), "ready\n")
         return super().start()
@@ -38,7 +39,8 @@ class SchemeCase(WindowTestCase):
         def is_as_chosen() -> bool:
             brightness = self.screen.brightness(frame.area)
             return brightness < 90 if scheme == DARK else brightness > 200
-        wait_until(is_as_chosen, lambda: f"the scheme {scheme}, the brightness is {self.screen.brightness(frame.area):.0f}")
+        wait_until(is_as_chosen,
+                   lambda: f"the scheme {scheme}, the brightness is {self.screen.brightness(frame.area):.0f}")
 
 
 class LightSchemeTest(SchemeCase):
