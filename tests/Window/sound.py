@@ -21,7 +21,9 @@ def pitch_of(samples: np.ndarray, rate: int) -> float | None:
     spectrum = np.abs(np.fft.rfft(samples * np.hanning(len(samples)), 8 * len(samples)))
     peak = min(max(int(spectrum.argmax()), 1), len(spectrum) - 2)
     below, at, above = np.log(spectrum[peak - 1 : peak + 2] + 1e-12)
-    return float((peak + 0.5 * (below - above) / (below - 2 * at + above)) * rate / (8 * len(samples)))
+    # Between bins, the top of a parabola; an edge of the spectrum may have none, and is taken as it is.
+    top = float(np.clip(0.5 * (below - above) / min(below - 2 * at + above, -1e-9), -0.5, 0.5))
+    return (peak + top) * rate / (8 * len(samples))
 
 
 def cents(heard: float, expected: float) -> float:
