@@ -60,7 +60,8 @@ void ColorScheme::askPortal()
     if (!bus.isConnected()) {
         return;
     }
-    // Until the first message is sent, the library does not know its own type, and refuses the slot.
+    // Until the first message is sent, the library does not know its own type, and refuses the
+    // slot.
     qDBusRegisterMetaType<QDBusVariant>();
     bus.connect(service, path, interface, QStringLiteral("SettingChanged"), this,
                 SLOT(settingChanged(QString, QString, QDBusVariant)));

@@ -93,10 +93,16 @@ TEST_F(PulseAudioOutputTest, IdleOutputUsesNoProcessor)
     }
     ASSERT_TRUE(eventually(isPaused));
     // A thread that is not woken for a second: nothing at all, but for the reading of the clock
-    // and the server's account of its place, which it sends every one and a half seconds.
-    const double before = processorSeconds();
-    ASSERT_FALSE(source.isAskedWithin(std::chrono::seconds(1)));
-    EXPECT_LT(processorSeconds() - before, 0.005);
+    // and the server's account of its place, which it sends every one and a half seconds. A busy
+    // server may still ask once after it paused.
+    double used = 0;
+    ASSERT_TRUE(eventually([&] {
+        const double before = processorSeconds();
+        const bool isAsked = source.isAskedWithin(std::chrono::seconds(1));
+        used = processorSeconds() - before;
+        return !isAsked;
+    }));
+    EXPECT_LT(used, 0.005);
 }
 
 TEST_F(PulseAudioOutputTest, UnderrunsAreThoseInTheMiddleOfAPiece)
