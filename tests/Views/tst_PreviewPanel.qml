@@ -89,6 +89,36 @@ ViewTestCase {
         compare(calls(), "playPreview");
     }
 
+    function test_the_next_load_shows_the_focus_too() {
+        init_view(states.loaded);
+        model.fileLoaded();
+        model.show({ hasAudio: false });
+        compare(playButton().activeFocus, false);
+        model.show(states.loaded);
+        model.fileLoaded();
+        compare(hasRing(playButton()), true);
+    }
+
+    function hasRing(control) {
+        return find(control, { around: Theme.controlRadius }).visible;
+    }
+
+    function test_the_ring_outlasts_a_look_at_another_window() {
+        init_view(states.loaded);
+        const button = playButton();
+        button.forceActiveFocus(Qt.TabFocusReason);
+        compare(hasRing(button), true);
+        for (const reason of [Qt.ActiveWindowFocusReason, Qt.PopupFocusReason, Qt.MenuBarFocusReason]) {
+            find(view, { text: "Back 15 seconds" }).forceActiveFocus(reason);
+            compare(hasRing(button), false);
+            button.forceActiveFocus(reason);
+            compare(hasRing(button), true);
+        }
+        find(view, { text: "Back 15 seconds" }).forceActiveFocus(Qt.TabFocusReason);
+        button.forceActiveFocus(Qt.PopupFocusReason);
+        compare(hasRing(button), false);
+    }
+
     function test_return_presses_too() {
         init_view(states.loaded);
         model.fileLoaded();

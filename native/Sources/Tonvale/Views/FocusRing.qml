@@ -3,15 +3,40 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 import QtQuick
+import QtQuick.Templates as T
 
-/// Shows where the keyboard's focus stands: a ring around its parent.
+/// Shows where the keyboard's focus stands: a ring around its parent, if the focus came by key. It
+/// stays while a menu or another window has the keys for a while.
 Rectangle {
-    property real around: Theme.controlRadius
+    id: root
 
+    required property T.Control control
+    property real around: Theme.controlRadius
+    property bool cameByKey: false
+
+    function look(): void {
+        const reason = control.focusReason;
+        if ([Qt.ActiveWindowFocusReason, Qt.PopupFocusReason, Qt.MenuBarFocusReason].includes(reason))
+            return;
+        cameByKey = control.activeFocus && [Qt.TabFocusReason, Qt.BacktabFocusReason, Qt.ShortcutFocusReason].includes(reason);
+    }
+
+    visible: control.activeFocus && cameByKey
     anchors.fill: parent
     anchors.margins: -3
     radius: around + 3
     color: "transparent"
     border.width: 2
     border.color: Theme.focus
+
+    Connections {
+        target: root.control
+
+        function onActiveFocusChanged() {
+            root.look();
+        }
+        function onFocusReasonChanged() {
+            root.look();
+        }
+    }
 }

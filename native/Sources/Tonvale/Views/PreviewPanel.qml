@@ -17,6 +17,8 @@ PanelCard {
         // So that the space bar, or a pedal that sends it, plays the song just loaded.
         function onFileLoaded() {
             playButton.forceActiveFocus(Qt.ShortcutFocusReason);
+            // A button that gets the focus back as it is enabled again would hide its ring.
+            playButton.focusReason = Qt.ShortcutFocusReason;
         }
     }
 

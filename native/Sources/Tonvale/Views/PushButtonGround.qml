@@ -50,6 +50,6 @@ Item {
     }
 
     FocusRing {
-        visible: root.control.visualFocus
+        control: root.control
     }
 }

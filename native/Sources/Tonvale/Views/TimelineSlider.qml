@@ -158,7 +158,7 @@ T.Slider {
         }
 
         FocusRing {
-            visible: root.visualFocus
+            control: root
             around: 9
         }
     }
