@@ -182,6 +182,16 @@ TEST_F(MainWindow, ShowsOneAboutPanelThatClosesWithEscape)
     EXPECT_FALSE(about->isVisible());
 }
 
+TEST_F(MainWindow, ShowsTheAboutPanelInItsMiddle)
+{
+    window().setPosition(70, 50);
+    scene_.showAboutPanel();
+    const QWindow* about = windowTitled(QStringLiteral("About Tonvale"));
+    ASSERT_NE(about, nullptr);
+    const QPoint apart = about->geometry().center() - window().geometry().center();
+    EXPECT_LE(apart.manhattanLength(), 2);
+}
+
 TEST_F(MainWindow, TellsScreenReadersWhatIsDisabled)
 {
     const auto* play = find(window(), QAccessible::Button, QStringLiteral("Play preview"));

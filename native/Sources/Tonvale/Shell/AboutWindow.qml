@@ -17,9 +17,17 @@ Window {
     property alias credits: creditsLabel.text
 
     function orderFront(): void {
+        if (!visible)
+            centre();
         show();
         raise();
         requestActivate();
+    }
+
+    /// Over the main window: left alone, some window managers put it anywhere.
+    function centre(): void {
+        x = Math.round(transientParent.x + (transientParent.width - width) / 2);
+        y = Math.round(transientParent.y + (transientParent.height - height) / 2);
     }
 
     title: "About Tonvale"
