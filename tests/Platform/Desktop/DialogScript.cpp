@@ -58,18 +58,25 @@ DialogScript& DialogScript::saveAs(const QString& name)
     });
 }
 
-DialogScript& DialogScript::answer(QMessageBox::StandardButton button)
+DialogScript& DialogScript::question(std::function<void(QMessageBox&)> act)
 {
-    steps_.push_back([button](QWidget& widget) {
+    steps_.push_back([act = std::move(act)](QWidget& widget) {
         auto* question = qobject_cast<QMessageBox*>(&widget);
         if (question != nullptr) {
-            EXPECT_TRUE(question->text().endsWith(
-                QLatin1String(" already exists.\nDo you want to replace it?")));
-            question->button(button)->click();
+            act(*question);
         }
         return question != nullptr;
     });
     return *this;
+}
+
+DialogScript& DialogScript::answer(QMessageBox::StandardButton button)
+{
+    return question([button](QMessageBox& question) {
+        EXPECT_TRUE(question.text().endsWith(
+            QLatin1String(" already exists.\nDo you want to replace it?")));
+        question.button(button)->click();
+    });
 }
 
 DialogScript& DialogScript::cancel()

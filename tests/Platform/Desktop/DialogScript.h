@@ -28,6 +28,8 @@ public:
     DialogScript& fileDialog(std::function<void(QFileDialog&)> act);
     /// Types `name` over the proposed one and accepts.
     DialogScript& saveAs(const QString& name);
+    /// Does `act` to a question.
+    DialogScript& question(std::function<void(QMessageBox&)> act);
     /// Answers the question whether an existing file is to be replaced.
     DialogScript& answer(QMessageBox::StandardButton button);
     DialogScript& cancel();

@@ -12,7 +12,10 @@
 
 #include <gtest/gtest.h>
 
+#include <QAbstractButton>
 #include <QFileDialog>
+#include <QHeaderView>
+#include <QTreeView>
 #include <QWindow>
 
 #include <fstream>
@@ -72,6 +75,21 @@ TEST_F(OpenPanelDialog, AsksForOneExistingAudioFile)
         EXPECT_EQ(dialog.nameFilters().constFirst(), audioNameFilter());
         EXPECT_TRUE(dialog.isModal());
         EXPECT_EQ(dialog.windowHandle()->transientParent(), &window_);
+        dialog.reject();
+    });
+    EXPECT_EQ(OpenPanel::create()->runModal(), std::nullopt);
+}
+
+TEST_F(OpenPanelDialog, HasColumnsAsWideAsSizesTypesAndDates)
+{
+    DialogScript script;
+    script.fileDialog([](QFileDialog& dialog) {
+        const auto* const files = dialog.findChild<QTreeView*>(QStringLiteral("treeView"));
+        ASSERT_NE(files, nullptr);
+        EXPECT_GE(files->columnWidth(0), 200) << "no room for names";
+        for (int column = 1; column < files->header()->count(); ++column) {
+            EXPECT_EQ(files->header()->sectionResizeMode(column), QHeaderView::ResizeToContents);
+        }
         dialog.reject();
     });
     EXPECT_EQ(OpenPanel::create()->runModal(), std::nullopt);
@@ -154,6 +172,20 @@ TEST_F(SavePanelDialog, StaysOpenWhenAnExistingFileIsToBeKept)
             EXPECT_EQ(test::proposedName(dialog), QLatin1String("take.wav"));
             dialog.reject();
         });
+    EXPECT_EQ(savePanel("Song.wav")->runModal(), std::nullopt);
+}
+
+TEST_F(SavePanelDialog, AsksInItsOwnColors)
+{
+    createFile(folder_.path() / "take.wav");
+    DialogScript script;
+    script.fileDialog([](QFileDialog& dialog) { dialog.setPalette(QPalette(Qt::darkBlue)); })
+        .saveAs(QStringLiteral("take.wav"))
+        .question([](QMessageBox& question) {
+            EXPECT_EQ(question.palette().color(QPalette::Button), QColor(Qt::darkBlue));
+            question.button(QMessageBox::No)->click();
+        })
+        .cancel();
     EXPECT_EQ(savePanel("Song.wav")->runModal(), std::nullopt);
 }
 

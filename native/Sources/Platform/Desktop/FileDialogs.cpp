@@ -9,10 +9,13 @@
 #include "Platform/Desktop/FilePanels.h"
 #include "Platform/Desktop/SchemePalette.h"
 
+#include <QChildEvent>
 #include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QHeaderView>
 #include <QMessageBox>
+#include <QTreeView>
 #include <QWindow>
 
 namespace tonvale {
@@ -29,6 +32,31 @@ QString toName(const std::filesystem::path& path)
     return QFile::decodeName(path.c_str());
 }
 
+/// The question whether to replace a file is a window of its own and would not take on the palette.
+class PaletteSharingDialog : public QFileDialog {
+protected:
+    void childEvent(QChildEvent* event) override
+    {
+        auto* const question = qobject_cast<QMessageBox*>(event->child());
+        if (event->polished() && question != nullptr) {
+            question->setPalette(palette());
+        }
+        QFileDialog::childEvent(event);
+    }
+};
+
+/// Qt's own dialog opens with columns too narrow for sizes, types and dates.
+void widenColumns(QFileDialog& dialog)
+{
+    auto* const files = dialog.findChild<QTreeView*>(QStringLiteral("treeView"));
+    if (files == nullptr) {
+        return;  // the desktop's own dialog
+    }
+    files->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    files->header()->setSectionResizeMode(0, QHeaderView::Stretch);
+    dialog.resize(QSize(760, 480).expandedTo(dialog.sizeHint()));
+}
+
 /// What both panels have in common.
 struct DialogContext {
     QWindow& window;
@@ -39,6 +67,7 @@ struct DialogContext {
         dialog.setPalette(paletteFor(scheme.isDark()));
         dialog.setSupportedSchemes({QStringLiteral("file")});
         dialog.setOption(QFileDialog::HideNameFilterDetails);
+        widenColumns(dialog);
         dialog.winId();  // makes the window that the parent is told to
         dialog.windowHandle()->setTransientParent(&window);
     }
@@ -59,7 +88,7 @@ public:
 
     std::optional<std::filesystem::path> runModal() override
     {
-        QFileDialog dialog;
+        PaletteSharingDialog dialog;
         dialog.setAcceptMode(QFileDialog::AcceptOpen);
         dialog.setFileMode(QFileDialog::ExistingFile);
         dialog.setNameFilter(audioNameFilter());
@@ -80,7 +109,7 @@ public:
 
     std::optional<std::filesystem::path> runModal() override
     {
-        QFileDialog dialog;
+        PaletteSharingDialog dialog;
         setUp(dialog);
         while (context_.run(dialog) == QDialog::Accepted && !dialog.selectedFiles().isEmpty()) {
             const QString chosen = dialog.selectedFiles().constFirst();
