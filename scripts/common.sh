@@ -54,22 +54,23 @@ install_missing() {
     rm -f "$log"
 }
 
-# build PRESET: silent when nothing is to be done
+# build PRESET [TARGET...]: all of it without targets; silent when nothing is to be done
 build() {
-    local folder="$project/build/$1" log
+    local preset=$1 folder="$project/build/$1" log
+    shift
     mkdir -p "$folder"
     log="$folder/build.log"
     if [ ! -f "$folder/build.ninja" ]; then
-        (cd "$project" && cmake --preset "$1") >"$log" 2>&1 || {
+        (cd "$project" && cmake --preset "$preset") >"$log" 2>&1 || {
             cat "$log" >&2
             fail "The build could not be configured."
         }
     fi
-    if ninja -C "$folder" -n 2>/dev/null | grep -q 'no work to do'; then
+    if ninja -C "$folder" -n "$@" 2>/dev/null | grep -q 'no work to do'; then
         return 0
     fi
-    echo "Building ($1) ..."
-    cmake --build "$folder" >"$log" 2>&1 || {
+    echo "Building ($preset) ..."
+    ninja -C "$folder" "$@" >"$log" 2>&1 || {
         cat "$log" >&2
         fail "The build failed."
     }
