@@ -34,6 +34,15 @@ std::size_t endOfSound(const Samples& sound)
     return end;
 }
 
+std::size_t strongest(const Samples& sound, double from, double count)
+{
+    const auto first = sound.begin() + static_cast<std::ptrdiff_t>(from);
+    const auto place =
+        std::max_element(first, first + static_cast<std::ptrdiff_t>(count),
+                         [](float left, float right) { return std::abs(left) < std::abs(right); });
+    return static_cast<std::size_t>(place - sound.begin());
+}
+
 double levelAt(const Samples& sound, double centre, std::size_t size, double frequency)
 {
     const auto first = static_cast<std::size_t>(centre) - size / 2;

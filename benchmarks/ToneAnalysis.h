@@ -22,6 +22,9 @@ using Samples = std::vector<float>;
 /// The frame behind the last one that is not silent.
 [[nodiscard]] std::size_t endOfSound(const Samples& sound);
 
+/// The frame of the largest sample among `count` from `from` on.
+[[nodiscard]] std::size_t strongest(const Samples& sound, double from, double count);
+
 /// Level of a tone around `centre`, seen through a smooth window of `size` frames.
 [[nodiscard]] double levelAt(const Samples& sound, double centre, std::size_t size,
                              double frequency);

@@ -47,24 +47,41 @@ double milliseconds(double frames)
     return frames * 1000 / deviceRate;
 }
 
-std::shared_ptr<AudioFile> makeSong(const std::filesystem::path& path)
+/// A stereo song of so many frames; `sampleAt(channel, frame)` tells what is in it.
+template <class Signal>
+std::shared_ptr<AudioFile> makeSong(const std::filesystem::path& path, std::int64_t length,
+                                    Signal sampleAt)
 {
     AudioFileSettings settings;
     settings.sampleRate = songRate;
     settings.numberOfChannels = 2;
     AudioFile file = AudioFile::forWriting(path, settings);
-    const auto buffer = AudioPCMBuffer::create(file.processingFormat(), 2 * half);
-    buffer->setFrameLength(2 * half);
-    for (std::int64_t frame = 0; frame < 2 * half; ++frame) {
-        const double turns = tone * static_cast<double>(frame) / songRate;
-        const auto sample = static_cast<float>(level * std::sin(2 * std::numbers::pi * turns));
-        const auto place = static_cast<std::size_t>(frame);
-        buffer->channel(0)[place] = frame < half ? sample : 0;
-        buffer->channel(1)[place] = frame < half ? 0 : sample;
+    const auto frames = static_cast<std::uint32_t>(length);
+    const auto buffer = AudioPCMBuffer::create(file.processingFormat(), frames);
+    buffer->setFrameLength(frames);
+    for (std::uint32_t channel = 0; channel < 2; ++channel) {
+        for (std::int64_t frame = 0; frame < length; ++frame) {
+            buffer->channel(channel)[static_cast<std::size_t>(frame)] =
+                static_cast<float>(sampleAt(channel, frame));
+        }
     }
     file.write(*buffer);
     file.close();
     return std::make_shared<AudioFile>(AudioFile::forReading(path));
+}
+
+double toneAt(std::uint32_t channel, std::int64_t frame)
+{
+    const double turns = tone * static_cast<double>(frame) / songRate;
+    const bool sounds = (channel == 0) == (frame < half);
+    return sounds ? level * std::sin(2 * std::numbers::pi * turns) : 0;
+}
+
+constexpr double clickSpacing = 0.25;  // seconds
+
+double clickAt(std::uint32_t /*channel*/, std::int64_t frame)
+{
+    return frame % std::llround(clickSpacing * songRate) == 0 ? level : 0;
 }
 
 /// A song on its way to the loudspeakers.
@@ -175,6 +192,34 @@ void measureRetune(Preview& preview, Recorder& recorder, const std::shared_ptr<A
     report("  dip", dips, "dB");
 }
 
+/// From 0 to `cents` between the clicks of a song: how far from their places those after it are.
+void measurePlaces(Preview& preview, Recorder& recorder, const std::shared_ptr<AudioFile>& clicks,
+                   float cents)
+{
+    Figures distances;
+    constexpr double spacing = clickSpacing * deviceRate;
+    for (int round = 0; round < rounds; ++round) {
+        preview.setPitch(0);
+        const double play = now(recorder);
+        preview.play(clicks, 0);
+        wait(recorder, 2.4 * clickSpacing + 0.0113 * round);
+        preview.setPitch(cents);
+        wait(recorder, 4 * clickSpacing);
+        const Samples sound = recorder.channel(0);
+        const auto first = static_cast<double>(
+            strongest(sound, static_cast<double>(firstSound(sound, play - 480)), spacing / 2));
+        for (int click = 1; click < 6; ++click) {
+            const double place = first + click * spacing;
+            const auto found =
+                static_cast<double>(strongest(sound, place - spacing / 4, spacing / 2));
+            distances.push_back(milliseconds(found - place));
+        }
+        preview.stop();
+        wait(recorder, 0.2);
+    }
+    report("  from a click's place to the click", distances, "ms");
+}
+
 void measureLoad(Preview& preview, const std::shared_ptr<AudioFile>& song,
                  std::chrono::seconds time)
 {
@@ -202,7 +247,8 @@ int main(int count, char** arguments)
     const std::chrono::seconds time(count > 1 ? std::atoi(arguments[1]) : 60);
     const test::PulseServer server(static_cast<std::uint32_t>(deviceRate));
     const test::TemporaryFolder folder;
-    const std::shared_ptr<AudioFile> song = makeSong(folder.path() / "song.wav");
+    const auto song = makeSong(folder.path() / "song.wav", 2 * half, toneAt);
+    const auto clicks = makeSong(folder.path() / "clicks.wav", 3 * 44100, clickAt);
     Preview preview;
     {
         Recorder recorder(static_cast<std::uint32_t>(deviceRate));
@@ -210,7 +256,9 @@ int main(int count, char** arguments)
         measurePlayAndStop(preview, recorder, song, 300);
         measureSeek(preview, recorder, song);
         measureRetune(preview, recorder, song, 300);
+        measurePlaces(preview, recorder, clicks, 300);
         measureRetune(preview, recorder, song, -600);
+        measurePlaces(preview, recorder, clicks, -600);
     }
     measureLoad(preview,
                 count > 2 ? std::make_shared<AudioFile>(AudioFile::forReading(arguments[2])) : song,
