@@ -2,10 +2,8 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """Light and dark: the window follows the desktop's setting, also when it changes."""
 
-import subprocess
-from pathlib import Path
-
 from application import Application
+from bus_service import BusService
 from cases import WindowTestCase
 from processes import wait_until
 
@@ -16,22 +14,13 @@ class SchemeCase(WindowTestCase):
     first: int
 
     def start(self) -> Application:
-        self.portal = self.desktop.start("/usr/bin/python3", str(Path(__file__).with_name("settings_portal.py")),
-                                         str(self.first), stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True,
-                                         bufsize=1)
-        self.addCleanup(self.end_portal)
-        self.assertEqual(self.portal.stdout.readline(), "ready\n")
+        self.portal = BusService(self.desktop, "settings_portal.py", str(self.first))
+        self.addCleanup(self.portal.close)
         return super().start()
 
-    def end_portal(self) -> None:
-        self.portal.stdin.close()
-        self.portal.kill()
-        self.portal.wait()
-        self.portal.stdout.close()
-
     def choose(self, scheme: int) -> None:
-        self.portal.stdin.write(f"{scheme}\n")
-        self.assertEqual(self.portal.stdout.readline(), "changed\n")
+        self.portal.write(str(scheme))
+        self.assertEqual(self.portal.read(), "changed")
 
     def wait_for(self, scheme: int) -> None:
         frame = self.program.find("frame", "Tonvale")

@@ -135,6 +135,8 @@ public:
     // Saving.
 
     [[nodiscard]] bool isExporting() const noexcept { return isExporting_; }
+    /// Whether any song is still being saved, also one that was cleared since.
+    [[nodiscard]] bool isRendering() const noexcept { return rendersRunning_ > 0; }
     /// What is being saved or was; empty when there is nothing to say.
     [[nodiscard]] QString exportMessage() const { return exportMessage_; }
     /// Asks where to save the song in its new key and saves it in the background.
@@ -197,6 +199,7 @@ private:
 
     AudioPreviewEngine previewEngine_;
     std::unique_ptr<Timer> playbackTimer_;  // while the preview plays
+    int rendersRunning_ = 0;                // whatever isExporting_ says after a clear
 };
 
 }  // namespace tonvale

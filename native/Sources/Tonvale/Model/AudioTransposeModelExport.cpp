@@ -50,6 +50,7 @@ void AudioTransposeModel::chooseExportLocationAndRender()
         return;
     }
     const int cents = centsForSemitones(exportedSemitones);
+    ++rendersRunning_;
     stopPreview();
     publish(isExporting_, true);
     publish(exportMessage_, exportText("Rendering", exportedSemitones));
@@ -67,6 +68,7 @@ void AudioTransposeModel::chooseExportLocationAndRender()
 void AudioTransposeModel::applyExportOutcome(const TaskOutcome<void>& outcome,
                                              int exportedSemitones)
 {
+    --rendersRunning_;
     try {
         outcome.get();
     } catch (...) {

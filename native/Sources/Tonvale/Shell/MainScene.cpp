@@ -4,11 +4,14 @@
 
 #include "Tonvale/Shell/MainScene.h"
 
+#include "Platform/Desktop/DesktopSleepInhibition.h"
 #include "Platform/Desktop/FileDialogs.h"
 #include "Platform/Desktop/StandardAboutPanel.h"
 #include "Platform/Foundation/Precondition.h"
+#include "Tonvale/Model/AudioTransposeModel.h"
 #include "Tonvale/Shell/AboutPanel.h"
 #include "Tonvale/Shell/ArtworkProvider.h"
+#include "Tonvale/Shell/Wakefulness.h"
 #include "Tonvale/Views/Views.h"
 
 #include <QQuickWindow>
@@ -18,14 +21,14 @@ void qml_register_types_Tonvale_Shell();
 
 namespace tonvale {
 
-MainScene::MainScene(QObject* model)
+MainScene::MainScene(AudioTransposeModel* model)
 {
     precondition(model != nullptr);
     [[maybe_unused]] const volatile auto types = &qml_register_types_Tonvale_Shell;
     connect(&scheme_, &ColorScheme::isDarkChanged, this, &MainScene::isDarkChanged);
     engine_.addImageProvider(QStringLiteral("artwork"), new ArtworkProvider);
     addViews(engine_);
-    engine_.setInitialProperties({{QStringLiteral("model"), QVariant::fromValue(model)},
+    engine_.setInitialProperties({{QStringLiteral("model"), QVariant::fromValue<QObject*>(model)},
                                   {QStringLiteral("scene"), QVariant::fromValue<QObject*>(this)}});
     engine_.load(QUrl(QStringLiteral("qrc:/qt/qml/Tonvale/Shell/Main.qml")));
     precondition(!engine_.rootObjects().isEmpty());
@@ -34,6 +37,8 @@ MainScene::MainScene(QObject* model)
     useFileDialogs(*window_, scheme_);
     StandardAboutPanel::replacePresenter(
         [this](const AboutPanelOptions& options) { presentAbout(options); });
+    useDesktopSleepInhibition();
+    wakefulness_ = std::make_unique<Wakefulness>(*model);
 }
 
 MainScene::~MainScene()

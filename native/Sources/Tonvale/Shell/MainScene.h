@@ -9,14 +9,18 @@
 #include <QObject>
 #include <QQmlApplicationEngine>
 
+#include <memory>
+
 class QQuickWindow;
 
 namespace tonvale {
 
+class AudioTransposeModel;
+class Wakefulness;
 struct AboutPanelOptions;
 
 /// The one window with its menu bar and its views, and what these need of the desktop: the colour
-/// scheme, the artwork, the file panels and the About panel.
+/// scheme, the artwork, the file panels, the About panel, and that it stays awake.
 /// @thread CONTROL
 class MainScene : public QObject {
     Q_OBJECT
@@ -24,7 +28,7 @@ class MainScene : public QObject {
 
 public:
     /// Shows the window. @param model  what the views show; it outlives the scene, none aborts
-    explicit MainScene(QObject* model);
+    explicit MainScene(AudioTransposeModel* model);
     ~MainScene() override;
 
     [[nodiscard]] QQuickWindow& window() const { return *window_; }
@@ -41,6 +45,7 @@ private:
     ColorScheme scheme_;
     QQmlApplicationEngine engine_;
     QQuickWindow* window_ = nullptr;  ///< owned by the engine
+    std::unique_ptr<Wakefulness> wakefulness_;
 };
 
 }  // namespace tonvale

@@ -1,0 +1,170 @@
+// SPDX-FileCopyrightText: 2026 The Tonvale Authors
+//
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "Platform/Desktop/DesktopSleepInhibition.h"
+
+#include <QCoreApplication>
+#include <QDBusObjectPath>
+#include <QDBusPendingCallWatcher>
+#include <QVariantMap>
+
+#include <array>
+#include <limits>
+#include <memory>
+
+namespace tonvale {
+
+namespace {
+
+/// Whom to ask, in this order. The portals of desktops with a power manager refuse to keep it
+/// awake.
+const std::array services{QStringLiteral("org.freedesktop.PowerManagement"),
+                          QStringLiteral("org.freedesktop.portal.Desktop")};
+constexpr std::size_t powerManager = 0;
+
+/// So the bus counts for ever: whoever answers late has to be answered, too.
+constexpr int noTimeLimit = std::numeric_limits<int>::max();
+
+/// Shown where the desktop tells what keeps it awake.
+QString reason()
+{
+    return QStringLiteral("A song is played or saved");
+}
+
+QDBusMessage powerManagerQuestion()
+{
+    QDBusMessage question = QDBusMessage::createMethodCall(
+        services[powerManager], QStringLiteral("/org/freedesktop/PowerManagement/Inhibit"),
+        QStringLiteral("org.freedesktop.PowerManagement.Inhibit"), QStringLiteral("Inhibit"));
+    question << QCoreApplication::applicationName() << reason();
+    return question;
+}
+
+QDBusMessage portalQuestion()
+{
+    constexpr uint suspend = 4;  // the portal's number; the screen may go dark
+    const QString noWindow;
+    QDBusMessage question = QDBusMessage::createMethodCall(
+        services.back(), QStringLiteral("/org/freedesktop/portal/desktop"),
+        QStringLiteral("org.freedesktop.portal.Inhibit"), QStringLiteral("Inhibit"));
+    question << noWindow << suspend << QVariantMap{{QStringLiteral("reason"), reason()}};
+    return question;
+}
+
+/// What ends the inhibition that an answer grants, said to who has granted it and not to a
+/// successor; none when it grants nothing.
+std::optional<QDBusMessage> releaseOf(const QDBusMessage& answer)
+{
+    if (answer.type() != QDBusMessage::ReplyMessage || answer.arguments().isEmpty()) {
+        return std::nullopt;
+    }
+    const QVariant granted = answer.arguments().constFirst();
+    if (granted.userType() == QMetaType::UInt) {
+        QDBusMessage release = QDBusMessage::createMethodCall(
+            answer.service(), QStringLiteral("/org/freedesktop/PowerManagement/Inhibit"),
+            QStringLiteral("org.freedesktop.PowerManagement.Inhibit"), QStringLiteral("UnInhibit"));
+        return release << granted;
+    }
+    if (granted.canConvert<QDBusObjectPath>()) {
+        return QDBusMessage::createMethodCall(
+            answer.service(), granted.value<QDBusObjectPath>().path(),
+            QStringLiteral("org.freedesktop.portal.Request"), QStringLiteral("Close"));
+    }
+    return std::nullopt;
+}
+
+}  // namespace
+
+DesktopSleepInhibition::DesktopSleepInhibition(const QDBusConnection& bus) : bus_(bus)
+{
+    if (!bus_.isConnected()) {
+        return;
+    }
+    owners_.setConnection(bus_);
+    owners_.setWatchedServices(QStringList(services.begin(), services.end()));
+    connect(&owners_, &QDBusServiceWatcher::serviceOwnerChanged, this,
+            &DesktopSleepInhibition::followOwner);
+}
+
+DesktopSleepInhibition::~DesktopSleepInhibition()
+{
+    giveBack();
+}
+
+void DesktopSleepInhibition::setWanted(bool isWanted)
+{
+    if (isWanted == isWanted_) {
+        return;
+    }
+    isWanted_ = isWanted;
+    if (!isWanted) {
+        giveBack();
+    } else if (asked_.isEmpty()) {
+        ask(powerManager);
+    }
+}
+
+void DesktopSleepInhibition::ask(std::size_t service)
+{
+    if (!bus_.isConnected()) {
+        return;
+    }
+    asked_ = services.at(service);
+    const auto question = service == powerManager ? powerManagerQuestion() : portalQuestion();
+    auto* watcher = new QDBusPendingCallWatcher(bus_.asyncCall(question, noTimeLimit), this);
+    connect(watcher, &QDBusPendingCallWatcher::finished, this,
+            [this, service, number = ++question_](QDBusPendingCallWatcher* answered) {
+                if (number == question_) {
+                    takeAnswer(service, answered->reply());
+                } else if (const auto release = releaseOf(answered->reply())) {
+                    bus_.send(*release);  // it was thought to be gone
+                }
+                answered->deleteLater();
+            });
+}
+
+void DesktopSleepInhibition::takeAnswer(std::size_t service, const QDBusMessage& answer)
+{
+    release_ = releaseOf(answer);
+    if (release_ && !isWanted_) {
+        giveBack();
+    } else if (!release_) {
+        asked_.clear();
+        if (isWanted_ && service + 1 < services.size()) {
+            ask(service + 1);
+        }
+    }
+}
+
+/// While the question is open there is nothing to give back yet; its answer will be.
+void DesktopSleepInhibition::giveBack()
+{
+    if (release_) {
+        bus_.send(*release_);
+        release_.reset();
+        asked_.clear();
+    }
+}
+
+/// A service that goes takes the inhibition with it; one that comes may know none yet.
+void DesktopSleepInhibition::followOwner(const QString& service, const QString& oldOwner,
+                                         const QString& newOwner)
+{
+    if (service == asked_ && !oldOwner.isEmpty()) {
+        ++question_;
+        release_.reset();
+        asked_.clear();
+    }
+    if (isWanted_ && asked_.isEmpty() && !newOwner.isEmpty()) {
+        ask(powerManager);
+    }
+}
+
+void useDesktopSleepInhibition()
+{
+    SleepInhibition::replaceFactory(
+        [] { return std::make_unique<DesktopSleepInhibition>(QDBusConnection::sessionBus()); });
+}
+
+}  // namespace tonvale
