@@ -231,6 +231,19 @@ TEST_F(DesktopSleep, IsForgottenWithAServiceThatWentWhileItWasAsked)
     EXPECT_TRUE(becomes(*manager, 1));
 }
 
+TEST_F(DesktopSleep, IsInhibitedByTheSuccessorOfAServiceThatIsReplaced)
+{
+    const FakeSleepService old(FakeSleepService::powerManager);
+    sleep->setWanted(true);
+    ASSERT_TRUE(becomes(old, 1));
+    settle();
+    const FakeSleepService successor(FakeSleepService::powerManager);
+    EXPECT_TRUE(becomes(successor, 1));
+    EXPECT_TRUE(becomes(old, 0));
+    sleep->setWanted(false);
+    EXPECT_TRUE(becomes(successor, 0));
+}
+
 TEST_F(DesktopSleep, IsInhibitedByAServiceThatComesLater)
 {
     sleep->setWanted(true);

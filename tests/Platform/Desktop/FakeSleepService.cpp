@@ -7,8 +7,10 @@
 #include <gtest/gtest.h>
 
 #include <QDBusArgument>
+#include <QDBusConnectionInterface>
 #include <QDBusError>
 #include <QDBusObjectPath>
+#include <QDBusReply>
 
 #include <algorithm>
 
@@ -49,7 +51,11 @@ FakeSleepService::FakeSleepService(Kind kind, Manner manner)
     , bus_(newConnection())
 {
     EXPECT_TRUE(bus_.registerVirtualObject(QStringLiteral("/"), this, QDBusConnection::SubPath));
-    EXPECT_TRUE(bus_.registerService(serviceName(kind)));
+    EXPECT_TRUE(bus_.interface()
+                    ->registerService(serviceName(kind),
+                                      QDBusConnectionInterface::ReplaceExistingService,
+                                      QDBusConnectionInterface::AllowReplacement)
+                    .isValid());
 }
 
 FakeSleepService::~FakeSleepService()

@@ -14,7 +14,8 @@
 
 namespace tonvale::test {
 
-/// What keeps a desktop awake, on the session bus: its power manager or its portal.
+/// What keeps a desktop awake, on the session bus: its power manager or its portal. A second one
+/// takes the first one's place.
 class FakeSleepService : public QDBusVirtualObject {
 public:
     enum Kind { powerManager, portal };

@@ -84,7 +84,9 @@ DesktopSleepInhibition::DesktopSleepInhibition(const QDBusConnection& bus) : bus
     owners_.setConnection(bus_);
     owners_.setWatchedServices(QStringList(services.begin(), services.end()));
     connect(&owners_, &QDBusServiceWatcher::serviceOwnerChanged, this,
-            &DesktopSleepInhibition::followOwner);
+            [this](const QString& /*service*/, const QString& oldOwner, const QString& newOwner) {
+                followOwner(oldOwner, newOwner);
+            });
 }
 
 DesktopSleepInhibition::~DesktopSleepInhibition()
@@ -100,26 +102,31 @@ void DesktopSleepInhibition::setWanted(bool isWanted)
     isWanted_ = isWanted;
     if (!isWanted) {
         giveBack();
-    } else if (asked_.isEmpty()) {
+    } else {
+        askUnlessAsked();
+    }
+}
+
+void DesktopSleepInhibition::askUnlessAsked()
+{
+    if (!isAsking_ && !release_) {
         ask(powerManager);
     }
 }
 
+/// An answer always comes: where the service goes, the bus answers in its place.
 void DesktopSleepInhibition::ask(std::size_t service)
 {
     if (!bus_.isConnected()) {
         return;
     }
-    asked_ = services.at(service);
+    isAsking_ = true;
     const auto question = service == powerManager ? powerManagerQuestion() : portalQuestion();
     auto* watcher = new QDBusPendingCallWatcher(bus_.asyncCall(question, noTimeLimit), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this,
-            [this, service, number = ++question_](QDBusPendingCallWatcher* answered) {
-                if (number == question_) {
-                    takeAnswer(service, answered->reply());
-                } else if (const auto release = releaseOf(answered->reply())) {
-                    bus_.send(*release);  // it was thought to be gone
-                }
+            [this, service](QDBusPendingCallWatcher* answered) {
+                isAsking_ = false;
+                takeAnswer(service, answered->reply());
                 answered->deleteLater();
             });
 }
@@ -127,13 +134,10 @@ void DesktopSleepInhibition::ask(std::size_t service)
 void DesktopSleepInhibition::takeAnswer(std::size_t service, const QDBusMessage& answer)
 {
     release_ = releaseOf(answer);
-    if (release_ && !isWanted_) {
+    if (!isWanted_) {
         giveBack();
-    } else if (!release_) {
-        asked_.clear();
-        if (isWanted_ && service + 1 < services.size()) {
-            ask(service + 1);
-        }
+    } else if (!release_ && service + 1 < services.size()) {
+        ask(service + 1);
     }
 }
 
@@ -143,21 +147,18 @@ void DesktopSleepInhibition::giveBack()
     if (release_) {
         bus_.send(*release_);
         release_.reset();
-        asked_.clear();
     }
 }
 
-/// A service that goes takes the inhibition with it; one that comes may know none yet.
-void DesktopSleepInhibition::followOwner(const QString& service, const QString& oldOwner,
-                                         const QString& newOwner)
+/// Whoever no longer owns the name has forgotten the inhibition, or is of no use as its keeper; who
+/// owns it now may know none yet.
+void DesktopSleepInhibition::followOwner(const QString& oldOwner, const QString& newOwner)
 {
-    if (service == asked_ && !oldOwner.isEmpty()) {
-        ++question_;
-        release_.reset();
-        asked_.clear();
+    if (release_ && release_->service() == oldOwner) {
+        giveBack();
     }
-    if (isWanted_ && asked_.isEmpty() && !newOwner.isEmpty()) {
-        ask(powerManager);
+    if (isWanted_ && !newOwner.isEmpty()) {
+        askUnlessAsked();
     }
 }
 

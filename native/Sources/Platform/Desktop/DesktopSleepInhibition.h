@@ -33,16 +33,16 @@ public:
     void setWanted(bool isWanted) override;
 
 private:
+    void askUnlessAsked();
     void ask(std::size_t service);
     void takeAnswer(std::size_t service, const QDBusMessage& answer);
     void giveBack();
-    void followOwner(const QString& service, const QString& oldOwner, const QString& newOwner);
+    void followOwner(const QString& oldOwner, const QString& newOwner);
 
     QDBusConnection bus_;
     QDBusServiceWatcher owners_;
     bool isWanted_ = false;
-    QString asked_;     ///< the service that is asked or has granted; empty: none
-    int question_ = 0;  ///< the number of the question that is waited for
+    bool isAsking_ = false;
     std::optional<QDBusMessage> release_;  ///< what ends the inhibition, while there is one
 };
 
