@@ -102,7 +102,7 @@ TEST_F(ModelBadInput, IsSilentWhereTheSongWasCutOffWhileItPlays)
     expectPlaying(false);
     EXPECT_EQ(model->currentTime(), 60);
     model->playPreview();
-    EXPECT_EQ(soundingFrames(48000), 0) << "a file that failed once is not trusted again";
+    EXPECT_TRUE(isHeard()) << "what is left of the song";
     expectPlaying(true);
     panelAnswer = in("saved.wav");
     model->chooseExportLocationAndRender();

@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <array>
 #include <string>
+#include <utility>
 
 namespace tonvale {
 
@@ -67,7 +68,7 @@ ContainerSource::ContainerSource(LocalInput& input, const AVInputFormat& format)
     , format_(format)
     , pending_(makePacket())
 {
-    open();
+    open(DiskFailures::areTold);
 }
 
 const AVCodecParameters& ContainerSource::parameters() const noexcept
@@ -110,7 +111,14 @@ void ContainerSource::seek(std::int64_t tick)
 
 void ContainerSource::rewind()
 {
-    open();
+    open(DiskFailures::areTold);
+}
+
+void ContainerSource::recover()
+{
+    input_.forgetFailure();
+    open(DiskFailures::areForgotten);
+    input_.forgetFailure();
 }
 
 MusicExtent ContainerSource::extent(const DecodedFormat& format)
@@ -174,11 +182,11 @@ bool ContainerSource::looksTooLong(std::int64_t end, const DecodedFormat& format
 }
 
 /// A new context for every start from the beginning: demuxers keep much of what they have read,
-/// and not every one finds back to its first packet.
-void ContainerSource::open()
+/// and not every one finds back to its first packet. Where opening fails, the former context still
+/// tells of the stream; it is good for nothing else.
+void ContainerSource::open(DiskFailures failures)
 {
-    context_.reset();
-    io_ = input_.makeContext();
+    UniqueIOContext io = input_.makeContext();
     hasPending_ = false;
     runningTick_ = noTimeStamp;
     packetBudget_ = input_.size() + 1000;  // a packet has a byte at least, but for a few
@@ -186,7 +194,7 @@ void ContainerSource::open()
     if (context == nullptr) {
         throw decoderError(outOfMemoryError);
     }
-    context->pb = io_.get();
+    context->pb = io.get();
     context->io_open = &refuseToOpen;
     context->flags |= AVFMT_FLAG_CUSTOM_IO;
     if (isNamed(format_, "ogg")) {
@@ -195,28 +203,39 @@ void ContainerSource::open()
     }
     AVDictionary* options = makeOptions();
     const int result = avformat_open_input(&context, input_.name().c_str(), &format_, &options);
-    context_.reset(context);  // nothing when it failed
+    UniqueFormatContext opened(context);  // nothing when it failed
     av_dict_free(&options);
-    input_.throwIfFailed();
+    const std::int64_t dataOffset = avio_tell(io.get());
+    const int best = result < 0 ? result : findMusic(*opened);
+    if (best < 0 || failures == DiskFailures::areTold) {
+        input_.throwIfFailed();
+    }
     if (result < 0) {
         throw decoderError(result);
     }
-    dataOffset_ = avio_tell(io_.get());
-    chooseStream();
-}
-
-void ContainerSource::chooseStream()
-{
-    int best = av_find_best_stream(context_.get(), AVMEDIA_TYPE_AUDIO, -1, -1, nullptr, 0);
-    if (best < 0) {
-        // Some containers have no table of streams: the library has to look at packets.
-        avformat_find_stream_info(context_.get(), nullptr);
-        best = av_find_best_stream(context_.get(), AVMEDIA_TYPE_AUDIO, -1, -1, nullptr, 0);
-    }
-    input_.throwIfFailed();
     if (best < 0) {
         throw PlatformError("The file holds no sound");
     }
+    context_ = std::move(opened);
+    io_ = std::move(io);
+    dataOffset_ = dataOffset;
+    chooseStream(best);
+}
+
+/// @return the number of its stream, or less than 0
+int ContainerSource::findMusic(AVFormatContext& context)
+{
+    int best = av_find_best_stream(&context, AVMEDIA_TYPE_AUDIO, -1, -1, nullptr, 0);
+    if (best < 0) {
+        // Some containers have no table of streams: the library has to look at packets.
+        avformat_find_stream_info(&context, nullptr);
+        best = av_find_best_stream(&context, AVMEDIA_TYPE_AUDIO, -1, -1, nullptr, 0);
+    }
+    return best;
+}
+
+void ContainerSource::chooseStream(int best)
+{
     streamIndex_ = best;
     for (int index = 0; index < static_cast<int>(context_->nb_streams); ++index) {
         context_->streams[index]->discard = index == best ? AVDISCARD_DEFAULT : AVDISCARD_ALL;

@@ -24,6 +24,7 @@ public:
     [[nodiscard]] bool next(AVPacket& packet) override;
     void seek(std::int64_t tick) override;
     void rewind() override;
+    void recover() override;
     [[nodiscard]] MusicExtent extent(const DecodedFormat& format) override;
 
 private:
@@ -34,8 +35,13 @@ private:
         none,         ///< its time stamps are too coarse
     };
 
-    void open();
-    void chooseStream();
+    /// Whether a disk that fails while the file is opened is of interest where the container still
+    /// could be: many look at the end of the file too, for tags or its length.
+    enum class DiskFailures { areTold, areForgotten };
+
+    void open(DiskFailures failures);
+    [[nodiscard]] static int findMusic(AVFormatContext& context);
+    void chooseStream(int best);
     [[nodiscard]] Stamping stampingOf(const AVStream& stream) const;
     [[nodiscard]] std::int64_t checkedEnd(std::int64_t end, const DecodedFormat& format);
     [[nodiscard]] bool looksTooLong(std::int64_t end, const DecodedFormat& format);

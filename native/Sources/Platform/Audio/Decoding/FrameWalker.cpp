@@ -130,6 +130,7 @@ std::span<const std::uint8_t> FrameWalker::window(std::int64_t offset, std::size
     const std::int64_t inBuffer = offset - bufferOffset_;
     const auto buffered = static_cast<std::int64_t>(bufferCount_);
     if (inBuffer < 0 || inBuffer + static_cast<std::int64_t>(count) > buffered) {
+        bufferCount_ = 0;  // what a read that fails leaves in it is of no use
         bufferOffset_ = offset;
         bufferCount_ = input_.readAt(offset, buffer_);
         return {buffer_.data(), std::min(count, bufferCount_)};

@@ -48,6 +48,9 @@ public:
     /// file, into an exception.
     /// @error PlatformError
     void throwIfFailed() const;
+    /// Until the next failure. A disk may have come back, and a file that was cut off still has all
+    /// that lies before the cut.
+    void forgetFailure() noexcept { failure_ = 0; }
 
 private:
     static int readPacket(void* opaque, std::uint8_t* data, int count);
@@ -62,7 +65,7 @@ private:
     std::string name_;
     ReadFunction read_;
     std::int64_t cursor_ = 0;  ///< of the context
-    int failure_ = 0;          ///< errno of the first failed read
+    int failure_ = 0;          ///< errno of the last failed read
 };
 
 }  // namespace tonvale

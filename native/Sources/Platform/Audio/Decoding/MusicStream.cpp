@@ -60,7 +60,13 @@ void MusicStream::read(std::int64_t startFrame, AudioPCMBuffer& buffer, std::uin
     precondition(frameCount <= buffer.frameCapacity() && buffer.format() == format_);
     const auto frames =
         static_cast<std::uint32_t>(std::min<std::int64_t>(frameCount, length() - startFrame));
-    fill(extent_.start + startFrame, buffer, frames);
+    try {
+        fill(extent_.start + startFrame, buffer, frames);
+    } catch (...) {
+        hasFailed_ = true;
+        runEnd_ = -farAway;  // the next read begins a run
+        throw;
+    }
     buffer.setFrameLength(frames);
 }
 
@@ -158,9 +164,14 @@ void MusicStream::beginRun(std::int64_t raw)
     }
     const std::int64_t from = toTicks(runStart - memory_.preroll);
     feedFrom_ = -farAway;
-    if (!source_->hasExactStamps() || from <= 0) {
+    const bool isAtStart = !source_->hasExactStamps() || from <= 0;
+    if (hasFailed_) {
+        source_->recover();
+        hasFailed_ = false;
+    } else if (isAtStart) {
         source_->rewind();
-    } else {
+    }
+    if (!isAtStart) {
         source_->seek(from);
         feedFrom_ = from;
     }

@@ -69,6 +69,7 @@ private:
     std::int64_t feedFrom_ = 0;  ///< packets stamped earlier, in ticks, are not decoded
     bool isDraining_ = false;    ///< all packets were sent
     bool isAtEnd_ = false;       ///< all blocks were received
+    bool hasFailed_ = false;     ///< the last read did
 };
 
 }  // namespace tonvale

@@ -42,6 +42,11 @@ public:
     /// @error PlatformError when the disk fails
     virtual void rewind() = 0;
 
+    /// Continues at the first packet after anything has failed, also where the disk still does: it
+    /// is told of again as soon as that is in the way.
+    /// @error PlatformError when it is in the way already
+    virtual void recover() { rewind(); }
+
     /// Where the music lies. May scan the packets, and may leave the source at any place.
     /// @error PlatformError when the disk fails
     [[nodiscard]] virtual MusicExtent extent(const DecodedFormat& format) = 0;
