@@ -3,6 +3,7 @@
 """The helper's manners, with the real interpreter in the environment of two variables."""
 
 import os
+import re
 import shutil
 import signal
 import stat
@@ -118,6 +119,21 @@ class ErrorTest(HelperCase):
             (self.folder / name).write_bytes(data)
             self.check_error(str(self.folder / name), messages.NOT_AUDIO)
         self.check_error(str(self.folder), messages.NOT_AUDIO)
+
+    def test_playlists_in_disguise_are_not_followed(self):
+        shutil.copy(self.wav(), self.folder / "song.mp3")
+        lists = {"hls": b"#EXTM3U\n#EXT-X-TARGETDURATION:9\n#EXTINF:9,\nsong.mp3\n#EXT-X-ENDLIST\n",
+                 "concat": b"ffconcat version 1.0\nfile song.mp3\n"}
+        for kind, data in lists.items():
+            for extension in ("mp3", "wav", "m3u8"):
+                path = self.folder / f"{kind}.{extension}"
+                path.write_bytes(data)
+                self.check_error(str(path), messages.NOT_AUDIO)
+
+    def test_the_helper_reads_what_the_application_reads(self):
+        source = (support.ROOT / "native/Sources/Platform/Audio/Decoding/FormatProbe.cpp").read_text()
+        listed = re.search(r'musicContainers =((?:\s*"[^"]*")+)', source)[1]
+        self.assertEqual("".join(re.findall(r'"([^"]*)"', listed)), decoding.CONTAINERS)
 
     def test_file_that_may_not_be_read(self):
         path = self.wav()

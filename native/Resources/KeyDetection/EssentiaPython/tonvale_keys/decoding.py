@@ -19,6 +19,11 @@ BLOCK_BYTES = 1 << 17
 # A file that breaks off is analysed when this much could be read; less says nothing about it.
 DAMAGED_MINIMUM_SECONDS = 3
 STDERR_KEPT_BYTES = 8192
+# The formats that the application reads; playlists, which name other files to open, are none of them.
+CONTAINERS = (
+    "aac,ac3,aiff,amr,ape,asf,au,avi,caf,dsf,dts,dtshd,eac3,flac,flv,iff,ircam,loas,"
+    "matroska,webm,mlp,mov,mp4,m4a,3gp,3g2,mj2,mp3,mpc,mpc8,mpeg,mpegts,nistsphere,ogg,oma,"
+    "rm,shn,sox,tak,truehd,tta,voc,w64,wav,wv,xwma")
 
 
 def check_readable(path: str) -> None:
@@ -35,10 +40,10 @@ def command(path: str) -> list[str]:
     """The decoder's command line.
 
     "file:" keeps names like "-x.mp3" or "http:y" from being read as anything but a file; the
-    whitelist keeps a playlist in disguise from opening network addresses.
+    whitelists keep a playlist in disguise from opening other files and network addresses.
     """
     return ["ffmpeg", "-v", "error", "-nostdin", "-threads", "1", "-protocol_whitelist", "file",
-            "-i", f"file:{path}", "-map", "0:a:0", "-ac", "1", "-ar", str(SAMPLE_RATE), "-f", "f32le", "-"]
+            "-format_whitelist", CONTAINERS, "-i", f"file:{path}", "-map", "0:a:0", "-ac", "1", "-ar", str(SAMPLE_RATE), "-f", "f32le", "-"]
 
 
 class _ErrorTail:
