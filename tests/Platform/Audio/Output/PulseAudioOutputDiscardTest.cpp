@@ -4,11 +4,13 @@
 
 #include "Platform/Audio/Output/SoundTest.h"
 #include "Support/ProcessState.h"
+#include "Support/WallClock.h"
 
 #include <sys/syscall.h>
 #include <unistd.h>
 
 #include <atomic>
+#include <chrono>
 #include <cmath>
 #include <numbers>
 
@@ -126,6 +128,33 @@ TEST_F(DiscardTest, NothingIsQueuedBeforeTheStartOrWhileIdle)
     ASSERT_TRUE(recorder.waitForSilence());
     output->discardQueued();
     EXPECT_TRUE(output->isRunning());
+}
+
+TEST_F(DiscardTest, NewFramesAreHeardSoonAndWholeThoughTheClockWasSetMeanwhile)
+{
+    Recorder recorder;
+    output->start(source);
+    std::size_t exact = 0;
+    for (int round = 0; round < undisturbedRounds && exact != 24000; ++round) {
+        play(997);
+        ASSERT_TRUE(recorder.waitForSound(isSounding));
+        stop();
+        const std::size_t before = recorder.frameCount();
+        {
+            // A computer that slept finds its clock set, too, and no new account of its place.
+            const WallClockJump jump(std::chrono::hours(1));
+            play(1501, 24000);
+            ASSERT_TRUE(eventually([this] { return source.given() == 24000; }));
+        }
+        ASSERT_TRUE(recorder.waitForSound(isSounding));
+        ASSERT_TRUE(recorder.waitForSilence());
+        const std::vector<float> left = recorder.channel(0);
+        for (std::size_t begin = before; begin < left.size() && exact != 24000; ++begin) {
+            exact = toneIn(left, begin, source, 1501);
+        }
+        output->discardQueued();
+    }
+    EXPECT_EQ(exact, 24000U);
 }
 
 /// Its first read lasts until somebody else's thread waits for a lock.

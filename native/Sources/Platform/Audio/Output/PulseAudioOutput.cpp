@@ -171,13 +171,16 @@ std::int64_t PulseAudioOutput::pourOnce(std::int64_t room) noexcept
     // The server counts what it was sent, not what was skipped: a gap is sent as silence, or the
     // server would wait for its length once more.
     const std::int64_t gap = first - end_;
-    const std::int64_t wanted = std::max(room - gap, framesIn(lookAgain));
+    // Half of the queue for the gap's end, half for the frames: a gap can be longer than all of it.
+    const std::int64_t half = queue_.capacity() / 2;
+    const std::int64_t wanted = std::clamp(room - gap, framesIn(lookAgain), half);
     const std::int64_t count = source_->read(queue_.piece(first, wanted));
     if (count == 0) {
         return 0;
     }
-    queue_.clear(end_, first);
-    write(std::max(end_, first - queue_.capacity() / 2), first + count);
+    const std::int64_t silent = std::max(end_, first - half);
+    queue_.clear(silent, first);
+    write(silent, first + count);
     noteFrames();
     if (stream_->isPaused()) {
         stream_->setPaused(false);

@@ -27,6 +27,19 @@ constexpr std::uint32_t serverMilliseconds = 70;
 // for its last answer.
 constexpr std::chrono::microseconds quickDelivery(4000);
 
+// The library asks for one every second and a half. What seems older dates from before the clock
+// was set or the computer slept, and would send frames to a place that is never reached.
+constexpr std::chrono::microseconds oldestAccount(2'000'000);
+
+std::chrono::microseconds ageOf(const pa_timing_info& account, const timeval& now)
+{
+    if (pa_timeval_cmp(&now, &account.timestamp) <= 0) {
+        return std::chrono::microseconds(0);
+    }
+    const pa_usec_t age = pa_timeval_diff(&now, &account.timestamp);
+    return std::chrono::microseconds(std::min(age, static_cast<pa_usec_t>(oldestAccount.count())));
+}
+
 pa_buffer_attr bufferLengths(std::uint32_t sampleRate)
 {
     const auto bytes = [sampleRate](std::uint32_t milliseconds) {
@@ -158,10 +171,8 @@ std::int64_t PulseStream::firstFreeFrame() const noexcept
     }
     // The device takes a block whenever it has played the one before.
     const auto held = static_cast<std::int64_t>(account->sink_usec);
-    const auto age = static_cast<std::int64_t>(pa_timeval_cmp(&now, &account->timestamp) > 0
-                                                   ? pa_timeval_diff(&now, &account->timestamp)
-                                                   : 0);
-    const std::int64_t overdue = age + std::max(quickDelivery, 2 * roundTrip_).count() - held;
+    const std::int64_t overdue =
+        ageOf(*account, now).count() + std::max(quickDelivery, 2 * roundTrip_).count() - held;
     return taken + (overdue < 0 ? 0 : framesIn(overdue + block));
 }
 
