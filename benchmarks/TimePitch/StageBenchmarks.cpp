@@ -90,6 +90,7 @@ void transforms(benchmark::State& state)
 }
 BENCHMARK(transforms)->Arg(1728)->Arg(2048);
 
+/// Includes the onset detection.
 void analysis(benchmark::State& state)
 {
     Parts parts;
@@ -101,31 +102,34 @@ void analysis(benchmark::State& state)
 }
 BENCHMARK(analysis);
 
+/// Includes the decimators.
 void onsetDetection(benchmark::State& state)
 {
     Parts parts;
     OnsetDetector detector(parts.geometry, channels);
+    OctaveInput input(parts.geometry, channels,
+                      OnsetDetector::framesNeeded(parts.geometry) + parts.geometry.block);
     for (auto _ : state) {
-        detector.advance(parts.material.next(parts.geometry.block));
+        input.advance(parts.material.next(parts.geometry.block));
+        detector.advance(input.whole());
     }
 }
 BENCHMARK(onsetDetection);
 
-/// Includes the analysis, which it needs, and the onset detection: subtract those.
+/// Includes the analysis, which it needs: subtract that.
 void analysisAndSynthesis(benchmark::State& state)
 {
     Parts parts;
     AnalysisStage stage(parts.geometry, parts.designs, channels);
-    SynthesisStage synthesis(parts.geometry, parts.designs, channels);
+    SynthesisStage synthesis(stage, parts.geometry, parts.designs, channels);
     synthesis.reset(std::exp2(3.0 / 12));
     std::vector<std::vector<float>> output(channels, std::vector<float>(512));
     std::vector<float*> pointers{output[0].data(), output[1].data()};
     for (auto _ : state) {
-        const float* const* block = parts.material.next(parts.geometry.block);
-        stage.begin(block);
+        stage.begin(parts.material.next(parts.geometry.block));
         stage.finish();
-        synthesis.begin(stage, block, pointers);
-        synthesis.finish(stage);
+        synthesis.begin(pointers);
+        synthesis.finish();
     }
 }
 BENCHMARK(analysisAndSynthesis);

@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include "Platform/Audio/TimePitch/OctaveInput.h"
 #include "Platform/Audio/TimePitch/OnsetGate.h"
 #include "Platform/Audio/TimePitch/OnsetSplit.h"
 #include "TestSignals.h"
@@ -87,10 +88,12 @@ TEST(OnsetGateTest, NothingIsHeardBeforeTheFadeAndAllAfterTheOnset)
     const SpanGain spanGain(design.geometry, design.windows);
     OnsetGate gate(design.geometry, spanGain, geometry.block);
     OnsetDetector detector(geometry, 1);
+    OctaveInput input(geometry, 1, OnsetDetector::framesNeeded(geometry) + geometry.block);
     test::Signal loud = test::noise(0.9, 8192, 1, 3);  // so that the limiter has no work
     for (std::size_t done = 0; done < 8192; done += 512) {
         const float* channel = loud[0].data() + done;
-        detector.advance(&channel);
+        input.advance(&channel);
+        detector.advance(input.whole());
     }
     constexpr Frames onset = 4096 + 300;
     // All frames are there, as from the middle of a run on: the cover is 1.

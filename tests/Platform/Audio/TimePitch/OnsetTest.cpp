@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include "Platform/Audio/TimePitch/OctaveInput.h"
 #include "Platform/Audio/TimePitch/OnsetDetector.h"
 #include "TestSignals.h"
 
@@ -17,14 +18,18 @@ namespace {
 std::vector<Onset> detect(const test::Signal& signal, double sampleRate)
 {
     const Geometry geometry = makeGeometry(sampleRate);
-    OnsetDetector detector(geometry, static_cast<unsigned>(signal.size()));
+    const auto channelCount = static_cast<unsigned>(signal.size());
+    OnsetDetector detector(geometry, channelCount);
+    OctaveInput input(geometry, channelCount,
+                      OnsetDetector::framesNeeded(geometry) + geometry.block);
     const auto block = static_cast<std::size_t>(geometry.block);
     for (std::size_t done = 0; done + block <= signal.front().size(); done += block) {
         std::vector<const float*> channels;
         for (const test::Channel& channel : signal) {
             channels.push_back(channel.data() + done);
         }
-        detector.advance(channels.data());
+        input.advance(channels.data());
+        detector.advance(input.whole());
     }
     return {detector.onsets().begin(), detector.onsets().end()};
 }
@@ -95,11 +100,13 @@ TEST(OnsetDetectorTest, EnvelopeIsTheLargestBlockInRange)
 {
     const Geometry geometry = makeGeometry(44100);
     OnsetDetector detector(geometry, 1);
+    OctaveInput input(geometry, 1, OnsetDetector::framesNeeded(geometry) + geometry.block);
     test::Signal signal = test::silence(4096);
     addHit(signal[0], 1024, 44100, 3);
     for (int done = 0; done < 4096; done += geometry.block) {
         const float* channel = signal[0].data() + done;
-        detector.advance(&channel);
+        input.advance(&channel);
+        detector.advance(input.whole());
     }
     EXPECT_EQ(detector.largestPower(2, 0, 900), 0);
     EXPECT_GT(detector.largestPower(2, 0, 1100), 1e-3F);

@@ -2,14 +2,29 @@
 //
 // SPDX-License-Identifier: GPL-3.0-or-later
 
+#include <algorithm>
+
 #include "Platform/Audio/TimePitch/AnalysisStage.h"
 
 namespace tonvale::timepitch {
 
+namespace {
+
+/// Frames before the newest block that somebody reads: the analysis, the cuts at onsets (a window
+/// before what is being synthesised), the detector, the direct path.
+int framesNeeded(const Geometry& geometry)
+{
+    return std::max({geometry.lookAhead + geometry.longestWindow, geometry.latency(),
+                     OnsetDetector::framesNeeded(geometry)});
+}
+
+}  // namespace
+
 AnalysisStage::AnalysisStage(const Geometry& geometry, std::span<const LayerDesign> designs,
-                             unsigned channelCount)
+                             unsigned channelCount, int lead)
     : geometry_(geometry)
-    , input_(geometry, channelCount, geometry.longestWindow)
+    , input_(geometry, channelCount, framesNeeded(geometry) + (1 + lead) * geometry.block)
+    , detector_(geometry, channelCount)
 {
     layers_.reserve(designs.size());
     for (const LayerDesign& design : designs) {
@@ -20,6 +35,8 @@ AnalysisStage::AnalysisStage(const Geometry& geometry, std::span<const LayerDesi
 void AnalysisStage::reset() noexcept
 {
     input_.clear();
+    detector_.reset();
+    std::ranges::fill(onsets_, OnsetList{});
     for (LayerAnalysis& layer : layers_) {
         layer.reset();
     }
@@ -28,7 +45,16 @@ void AnalysisStage::reset() noexcept
 void AnalysisStage::begin(const float* const* channels) noexcept
 {
     input_.advance(channels);
+    findOnsets();
     analyse(false);
+}
+
+void AnalysisStage::findOnsets() noexcept
+{
+    detector_.advance(input_.whole());
+    const std::int64_t block = input_.end() / geometry_.block;
+    onsets_[static_cast<std::size_t>(block) % onsets_.size()] = detector_.onsets();
+    detector_.forgetOnsetsBefore(input_.end() - geometry_.latency() - geometry_.longestWindow);
 }
 
 void AnalysisStage::finish() noexcept

@@ -5,7 +5,6 @@
 #pragma once
 
 #include "Platform/Audio/TimePitch/Array.h"
-#include "Platform/Audio/TimePitch/Geometry.h"
 #include "Platform/Audio/TimePitch/InputHistory.h"
 
 #include <span>
@@ -19,16 +18,17 @@ namespace tonvale::timepitch {
 /// @thread WORKER, one at a time; only constructing allocates
 class DirectPath {
 public:
-    DirectPath(const Geometry& geometry, unsigned channelCount);
+    DirectPath(int block, unsigned channelCount);
 
     void reset(bool isOpen) noexcept;
-    /// Takes a block of input and replaces the engine's block by the input of that time, or by a
-    /// crossfade when `wanted` changes.
-    void process(const float* const* input, bool wanted, std::span<float* const> output) noexcept;
+    /// Replaces the engine's block by the input of that time, from `position` on, or by a crossfade
+    /// when `wanted` changes.
+    void process(const InputHistory& input, Frames position, bool wanted,
+                 std::span<float* const> output) noexcept;
 
 private:
-    const Geometry& geometry_;
-    InputHistory input_;
+    int block_;
+    unsigned channelCount_;
     Array<float> fadeIn_;
     bool isOpen_ = true;
 };

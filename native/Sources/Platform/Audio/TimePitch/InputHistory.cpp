@@ -9,15 +9,13 @@
 namespace tonvale::timepitch {
 
 InputHistory::InputHistory(unsigned channelCount, int keptFrames, int aheadFrames)
-    : kept_(keptFrames)
-    , ahead_(aheadFrames)
-    , capacity_(2 * (keptFrames + aheadFrames))
+    : ahead_(aheadFrames)
+    , size_(keptFrames + aheadFrames)
 {
     channels_.reserve(channelCount);
     for (unsigned channel = 0; channel < channelCount; ++channel) {
-        channels_.emplace_back(capacity_);
+        channels_.emplace_back(2 * size_);
     }
-    clear();
 }
 
 void InputHistory::clear() noexcept
@@ -26,26 +24,25 @@ void InputHistory::clear() noexcept
         samples.clear();
     }
     end_ = 0;
-    base_ = -kept_;
 }
 
 void InputHistory::commit(int count) noexcept
 {
+    const std::ptrdiff_t begin = slot(end_);
+    const std::ptrdiff_t split = std::min<std::ptrdiff_t>(begin + count, size_);
     end_ += count;
-    if (end_ + ahead_ - base_ > capacity_) {
-        slide();
-    }
-}
-
-void InputHistory::slide() noexcept
-{
-    const Frames start = end_ - kept_;
+    const std::ptrdiff_t unwritten = slot(end_);
+    const std::ptrdiff_t wrapped = std::max<std::ptrdiff_t>(0, unwritten + ahead_ - size_);
     for (Array<float>& samples : channels_) {
-        float* kept = std::copy(samples.data() + (start - base_), samples.data() + (end_ - base_),
-                                samples.data());
-        std::fill(kept, samples.end(), 0.0F);
+        float* first = samples.data();
+        float* second = first + size_;
+        std::copy(first + begin, first + split, second + begin);
+        std::copy(first + split, first + begin + count, first);
+        for (float* copy : {first, second}) {
+            std::fill_n(copy + unwritten, ahead_ - wrapped, 0.0F);
+            std::fill_n(copy, wrapped, 0.0F);
+        }
     }
-    base_ = start;
 }
 
 }  // namespace tonvale::timepitch

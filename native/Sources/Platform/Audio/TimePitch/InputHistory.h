@@ -11,11 +11,13 @@
 
 namespace tonvale::timepitch {
 
-/// The last samples of every channel as one straight piece of memory, addressed by frame number.
+/// The last samples of every channel as straight pieces of memory, addressed by frame number.
 ///
-/// Frames that were never written read as zero, those before the first one too. To stay straight
-/// without moving memory at each step it holds twice what it must keep.
-/// @thread one at a time; only constructing allocates
+/// Frames that were never written read as zero, those before the first one too. It is a ring that
+/// holds every sample twice, one ring's length apart: any window shorter than the ring is straight,
+/// and nothing moves once it is written.
+/// @thread one at a time, but for at(): while one thread writes, another may read frames that were
+///         committed before and are still kept; only constructing allocates
 class InputHistory {
 public:
     /// @param keptFrames     frames before the end that stay readable
@@ -29,25 +31,28 @@ public:
     }
     /// One past the last frame written.
     [[nodiscard]] Frames end() const noexcept { return end_; }
-    /// Memory for `count` new frames of a channel; call commit(count) when all are filled.
+    /// Memory for up to `aheadFrames` new frames of a channel; call commit(count) when all are
+    /// filled.
     [[nodiscard]] float* tail(unsigned channel) noexcept
     {
-        return channels_[channel].data() + (end_ - base_);
+        return channels_[channel].data() + slot(end_);
     }
     void commit(int count) noexcept;
 
+    /// `frame` and those after it, up to the end and what may be read beyond.
     [[nodiscard]] const float* at(unsigned channel, Frames frame) const noexcept
     {
-        return channels_[channel].data() + (frame - base_);
+        return channels_[channel].data() + slot(frame);
     }
 
 private:
-    void slide() noexcept;
+    [[nodiscard]] std::ptrdiff_t slot(Frames frame) const noexcept
+    {
+        return frame - floorDivide(frame, size_) * size_;
+    }
 
-    int kept_;
     int ahead_;
-    int capacity_;
-    Frames base_ = 0;
+    int size_;  ///< of the ring; each channel has twice as much
     Frames end_ = 0;
     std::vector<Array<float>> channels_;
 };

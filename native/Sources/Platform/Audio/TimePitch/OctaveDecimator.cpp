@@ -32,8 +32,8 @@ void OctaveDecimator::advance(const InputHistory& input, InputHistory& output) c
         return;
     }
     for (unsigned channel = 0; channel < input.channelCount(); ++channel) {
-        kernels::halfBandDecimate(input.at(channel, 2 * output.end()), taps_.data(), pairCount,
-                                  count, output.tail(channel));
+        const float* first = input.at(channel, 2 * output.end() - reach) + reach;
+        kernels::halfBandDecimate(first, taps_.data(), pairCount, count, output.tail(channel));
     }
     output.commit(count);
 }

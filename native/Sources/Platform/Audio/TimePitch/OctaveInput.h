@@ -14,7 +14,8 @@ namespace tonvale::timepitch {
 
 /// The last input at the song's rate, its half, its quarter ...: one history for every rate that
 /// layers work at.
-/// @thread WORKER, one at a time; only constructing allocates
+/// @thread WORKER, one at a time, but what was taken may be read by another (InputHistory); only
+///         constructing allocates
 class OctaveInput {
 public:
     /// @param keptFrames  frames (of the song) before the end that stay readable
@@ -27,6 +28,8 @@ public:
 
     /// One past the last frame taken, at the song's rate.
     [[nodiscard]] Frames end() const noexcept { return octaves_.front().end(); }
+    /// The input at the song's rate.
+    [[nodiscard]] const InputHistory& whole() const noexcept { return octaves_.front(); }
     /// The input at the layer's own rate. What the decimator could not deliver yet (a few samples)
     /// is zero.
     [[nodiscard]] const InputHistory& of(const LayerGeometry& layer) const noexcept;

@@ -25,6 +25,11 @@ constexpr int pastEnd = 18;
 constexpr double shortestGapSeconds = 0.015;  // closer hits count as one
 constexpr double joinSeconds = 0.004;         // bands may still join an onset
 
+int blockFramesAt(double sampleRate)
+{
+    return std::max(smallestBlock, static_cast<int>(sampleRate / blocksPerSecond));
+}
+
 float onePole(double edge, double sampleRate)
 {
     return static_cast<float>(1 - std::exp(-twoPi * edge / sampleRate));
@@ -34,12 +39,12 @@ float onePole(double edge, double sampleRate)
 
 OnsetDetector::OnsetDetector(const Geometry& geometry, unsigned channelCount)
     : geometry_(geometry)
-    , blockFrames_(std::max(smallestBlock, static_cast<int>(geometry.sampleRate / blocksPerSecond)))
+    , channelCount_(channelCount)
+    , blockFrames_(blockFramesAt(geometry.sampleRate))
     , shortestGap_(static_cast<Frames>(shortestGapSeconds * geometry.sampleRate))
     , joinTime_(static_cast<Frames>(joinSeconds * geometry.sampleRate))
     , coefficients_{onePole(rumbleEdge, geometry.sampleRate), onePole(midEdge, geometry.sampleRate),
                     onePole(highEdge, geometry.sampleRate)}
-    , input_(channelCount, geometry.block + 4 * blockFrames_, geometry.block)
     , filters_((channelCount + 1) / 2)
     , silence_(blockFrames_)
     , differences_(3 * blockFrames_)
@@ -51,7 +56,6 @@ OnsetDetector::OnsetDetector(const Geometry& geometry, unsigned channelCount)
 
 void OnsetDetector::reset() noexcept
 {
-    input_.clear();
     std::ranges::fill(filters_, Filters{});
     for (Array<float>& band : powers_) {
         band.clear();
@@ -71,30 +75,30 @@ float OnsetDetector::power(std::size_t band, std::int64_t block) const noexcept
     return powers_[band][block & (historyBlocks - 1)];
 }
 
-void OnsetDetector::advance(const float* const* channels) noexcept
+int OnsetDetector::framesNeeded(const Geometry& geometry) noexcept
 {
-    for (unsigned channel = 0; channel < input_.channelCount(); ++channel) {
-        std::copy_n(channels[channel], geometry_.block, input_.tail(channel));
-    }
-    input_.commit(geometry_.block);
-    while ((block_ + 2) * blockFrames_ <= input_.end()) {  // one block ahead for firstSample()
-        measureBlock();
+    return 4 * blockFramesAt(geometry.sampleRate);
+}
+
+void OnsetDetector::advance(const InputHistory& input) noexcept
+{
+    while ((block_ + 2) * blockFrames_ <= input.end()) {  // one block ahead for firstSample()
+        measureBlock(input);
         if (block_ > 0) {
-            judgeBlock();
+            judgeBlock(input);
         }
         ++block_;
     }
 }
 
-void OnsetDetector::measureBlock() noexcept
+void OnsetDetector::measureBlock(const InputHistory& input) noexcept
 {
     const Frames begin = block_ * blockFrames_;
-    const unsigned count = input_.channelCount();
     Powers sum{};
-    for (unsigned channel = 0; channel < count; channel += 2) {
-        const bool isPair = channel + 1 < count;
-        filterPair(filters_[channel / 2], input_.at(channel, begin),
-                   isPair ? input_.at(channel + 1, begin) : silence_.data(), sum);
+    for (unsigned channel = 0; channel < channelCount_; channel += 2) {
+        const bool isPair = channel + 1 < channelCount_;
+        filterPair(filters_[channel / 2], input.at(channel, begin),
+                   isPair ? input.at(channel + 1, begin) : silence_.data(), sum);
     }
     for (std::size_t band = 0; band < powerCount; ++band) {
         power(band, block_) = sum[band] / static_cast<float>(blockFrames_);
@@ -132,7 +136,7 @@ void OnsetDetector::filterPair(Filters& state, const float* a, const float* b,
     energy[lowestEnvelope] += lowest[0] + lowest[1];
 }
 
-void OnsetDetector::judgeBlock() noexcept
+void OnsetDetector::judgeBlock(const InputHistory& input) noexcept
 {
     unsigned certain = 0;
     unsigned soft = 0;
@@ -157,7 +161,7 @@ void OnsetDetector::judgeBlock() noexcept
             last->layers |= certain | soft;
             return;
         }
-        Onset onset{firstSample(), certain | soft, onsetCount_++, {}};
+        Onset onset{firstSample(input), certain | soft, onsetCount_++, {}};
         for (std::size_t layer = 0; layer < onset.remainder.size(); ++layer) {
             onset.remainder[layer] = layer < geometry_.layers.size() ? remainder(layer) : 1;
         }
@@ -167,13 +171,13 @@ void OnsetDetector::judgeBlock() noexcept
     }
 }
 
-Frames OnsetDetector::firstSample() noexcept
+Frames OnsetDetector::firstSample(const InputHistory& input) noexcept
 {
     constexpr float smallestShare = 0.02F;
     const Frames begin = (block_ - 1) * blockFrames_;
     differences_.clear();
-    for (unsigned channel = 0; channel < input_.channelCount(); ++channel) {
-        const float* x = input_.at(channel, begin);
+    for (unsigned channel = 0; channel < channelCount_; ++channel) {
+        const float* x = input.at(channel, begin - 1) + 1;
         for (int i = 0; i < differences_.size(); ++i) {
             const float step = x[i] - x[i - 1];
             differences_[i] += step * step;

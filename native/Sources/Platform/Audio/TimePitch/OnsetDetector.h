@@ -28,11 +28,13 @@ public:
     OnsetDetector(const Geometry& geometry, unsigned channelCount);
 
     void reset() noexcept;
-    /// Takes the next geometry.block frames. Onsets are final 20 ms before the newest frame.
-    void advance(const float* const* channels) noexcept;
+    /// Frames before the newest block that advance() looks at.
+    [[nodiscard]] static int framesNeeded(const Geometry& geometry) noexcept;
+    /// Takes the frames that `input` has got. Onsets are final 20 ms before the newest frame.
+    void advance(const InputHistory& input) noexcept;
 
-    [[nodiscard]] OnsetList& onsets() noexcept { return onsets_; }
     [[nodiscard]] const OnsetList& onsets() const noexcept { return onsets_; }
+    void forgetOnsetsBefore(Frames position) noexcept { onsets_.forgetBefore(position); }
 
     /// The largest mean power (summed over channels) of the band of `layer` in any block between
     /// two frames, both included.
@@ -56,18 +58,18 @@ private:
 
     [[nodiscard]] float& power(std::size_t band, std::int64_t block) noexcept;
     [[nodiscard]] float power(std::size_t band, std::int64_t block) const noexcept;
-    void measureBlock() noexcept;
+    void measureBlock(const InputHistory& input) noexcept;
     void filterPair(Filters& state, const float* a, const float* b, Powers& energy) const noexcept;
-    void judgeBlock() noexcept;
-    [[nodiscard]] Frames firstSample() noexcept;
+    void judgeBlock(const InputHistory& input) noexcept;
+    [[nodiscard]] Frames firstSample(const InputHistory& input) noexcept;
     [[nodiscard]] float remainder(std::size_t layer) const noexcept;
 
     const Geometry& geometry_;
+    unsigned channelCount_;
     int blockFrames_;
     Frames shortestGap_;
     Frames joinTime_;
     std::array<float, bandCount> coefficients_{};
-    InputHistory input_;
     std::vector<Filters> filters_;  ///< per pair of channels
     Array<float> silence_;          ///< what an odd channel is paired with
     std::array<Array<float>, powerCount> powers_;

@@ -75,9 +75,10 @@ private:
     AnalysisStage analysis_;
     SynthesisStage synthesis_;
     DirectPath direct_;
-    BlockAssembler assembler_;
+    BlockAssembler assembler_;            ///< not used with a thread, which has its own
     std::vector<Array<float>> finished_;  ///< the block of output being given away
     std::vector<float*> finishedPointers_;
+    int filled_ = 0;  ///< how much of the block was taken, and of finished_ given away
     float cents_ = 0;
     std::int64_t blocks_ = 0;               ///< begun since the last reset
     int nextStep_ = stepCount;              ///< of the last block
@@ -88,9 +89,10 @@ PitchShifter::Engine::Engine(const Configuration& configuration)
     : configuration_(checked(configuration))
     , geometry_(makeGeometry(configuration.sampleRate))
     , designs_(makeDesigns(geometry_))
-    , analysis_(geometry_, designs_, configuration.channelCount)
-    , synthesis_(geometry_, designs_, configuration.channelCount)
-    , direct_(geometry_, configuration.channelCount)
+    , analysis_(geometry_, designs_, configuration.channelCount,
+                configuration.workerThreads > 0 ? static_cast<int>(AnalysisThread::largestLead) : 0)
+    , synthesis_(analysis_, geometry_, designs_, configuration.channelCount)
+    , direct_(geometry_.block, configuration.channelCount)
     , assembler_(configuration.channelCount, geometry_.block)
 {
     for (unsigned channel = 0; channel < configuration.channelCount; ++channel) {
@@ -111,6 +113,7 @@ void PitchShifter::Engine::reset() noexcept
     synthesis_.reset(ratioOf(cents_));
     direct_.reset(synthesis_.isNeutral());
     assembler_.reset();
+    filled_ = 0;
     for (Array<float>& channel : finished_) {
         channel.clear();
     }
@@ -142,16 +145,20 @@ void PitchShifter::Engine::process(std::span<const float* const> in, std::span<f
     }
     unsigned done = 0;
     while (done < frameCount) {
-        const int position = assembler_.filled();
-        const int taken = assembler_.push(in, done, frameCount - done);
-        for (std::size_t channel = 0; channel < out.size(); ++channel) {
-            std::copy_n(finishedPointers_[channel] + position, taken, out[channel] + done);
+        const auto room = static_cast<unsigned>(geometry_.block - filled_);
+        const unsigned taken = std::min(frameCount - done, room);
+        if (!thread_) {
+            assembler_.push(in, done, taken);
         }
-        done += static_cast<unsigned>(taken);
+        for (std::size_t channel = 0; channel < out.size(); ++channel) {
+            std::copy_n(finishedPointers_[channel] + filled_, taken, out[channel] + done);
+        }
+        done += taken;
+        filled_ += static_cast<int>(taken);
         continueBlock();
-        if (assembler_.isFull()) {
+        if (filled_ == geometry_.block) {
             beginBlock();
-            assembler_.startNext();
+            filled_ = 0;
         }
     }
     if (thread_) {
@@ -166,11 +173,13 @@ void PitchShifter::Engine::beginBlock() noexcept
         thread_->waitFor(blocks_);
     } else {
         analysis_.begin(assembler_.channels());
+        assembler_.startNext();
     }
-    synthesis_.begin(analysis_, assembler_.channels(), finishedPointers_);
-    direct_.process(assembler_.channels(), synthesis_.isNeutral(), finishedPointers_);
+    synthesis_.begin(finishedPointers_);
+    direct_.process(analysis_.input().whole(), blocks_ * geometry_.block - geometry_.latency(),
+                    synthesis_.isNeutral(), finishedPointers_);
     if (thread_) {
-        synthesis_.finish(analysis_);
+        synthesis_.finish();
         thread_->release(blocks_);
     } else {
         nextStep_ = 0;
@@ -182,7 +191,7 @@ void PitchShifter::Engine::beginBlock() noexcept
 void PitchShifter::Engine::continueBlock() noexcept
 {
     while (nextStep_ < stepCount
-           && assembler_.filled() >= (nextStep_ + 2) * geometry_.block / (stepCount + 2)) {
+           && filled_ >= (nextStep_ + 2) * geometry_.block / (stepCount + 2)) {
         doStep(nextStep_);
         ++nextStep_;
     }
@@ -198,7 +207,7 @@ void PitchShifter::Engine::doStep(int step) noexcept
         synthesis_.beginFinish();
         break;
     case 2:
-        synthesis_.finish(analysis_);
+        synthesis_.finish();
         break;
     default:
         synthesis_.anticipate();

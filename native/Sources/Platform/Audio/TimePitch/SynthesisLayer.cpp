@@ -214,7 +214,7 @@ void SynthesisLayer::interpolate(const Voice& voice, Frames position) noexcept
     }
 }
 
-void SynthesisLayer::render(Frames position, const OnsetDetector& onsets,
+void SynthesisLayer::render(Frames position, const OnsetList& onsets, const OnsetDetector& envelope,
                             std::span<float* const> output) noexcept
 {
     for (Voice& voice : pitchVoices_) {
@@ -225,7 +225,7 @@ void SynthesisLayer::render(Frames position, const OnsetDetector& onsets,
     }
     for (Voice& voice : onsetVoices_) {
         if (isAlive(voice, position)) {
-            renderOnset(voice, position, onsets, output);
+            renderOnset(voice, position, onsets, envelope, output);
             voice.ring.erase(position - block_, block_);
         }
     }
@@ -252,19 +252,19 @@ void SynthesisLayer::renderPitch(Voice& voice, Frames position,
     }
 }
 
-void SynthesisLayer::renderOnset(Voice& voice, Frames position, const OnsetDetector& onsets,
+void SynthesisLayer::renderOnset(Voice& voice, Frames position, const OnsetList& onsets,
+                                 const OnsetDetector& envelope,
                                  std::span<float* const> output) noexcept
 {
-    const OnsetList& list = onsets.onsets();
-    const auto* onset = std::find_if(list.begin(), list.end(), [&](const Onset& candidate) {
+    const auto* onset = std::find_if(onsets.begin(), onsets.end(), [&](const Onset& candidate) {
         return candidate.number == voice.onset && candidate.isIn(design_.geometry.index);
     });
-    if (onset == list.end() || onset->position - gate_.fadeFrames() >= position + block_
+    if (onset == onsets.end() || onset->position - gate_.fadeFrames() >= position + block_
         || spanGain_.isSilent(voice.span, position, block_)) {
         return;
     }
     interpolate(voice, position);
-    gate_.process(position, onset->position, voice.span, onsets, voice.limit, fullRatePointers_,
+    gate_.process(position, onset->position, voice.span, envelope, voice.limit, fullRatePointers_,
                   output);
 }
 

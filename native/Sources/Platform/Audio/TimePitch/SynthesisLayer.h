@@ -67,7 +67,7 @@ public:
     void synthesise(const FrameHistory& frames, const Settings& settings) noexcept;
 
     /// Adds the block at `position` to `output` and frees the memory of the block before it.
-    void render(Frames position, const OnsetDetector& onsets,
+    void render(Frames position, const OnsetList& onsets, const OnsetDetector& envelope,
                 std::span<float* const> output) noexcept;
 
     [[nodiscard]] PhaseTracker& phases() noexcept { return phases_; }
@@ -104,8 +104,8 @@ private:
     void interpolate(const Voice& voice, Frames position) noexcept;
     [[nodiscard]] bool isAlive(const Voice& voice, Frames position) const noexcept;
     void renderPitch(Voice& voice, Frames position, std::span<float* const> output) noexcept;
-    void renderOnset(Voice& voice, Frames position, const OnsetDetector& onsets,
-                     std::span<float* const> output) noexcept;
+    void renderOnset(Voice& voice, Frames position, const OnsetList& onsets,
+                     const OnsetDetector& envelope, std::span<float* const> output) noexcept;
 
     const LayerDesign& design_;
     unsigned channelCount_;

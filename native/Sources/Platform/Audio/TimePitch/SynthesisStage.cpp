@@ -14,12 +14,11 @@ constexpr unsigned lowLayers = 3;  // bits of the two layers that share the lowe
 
 }  // namespace
 
-SynthesisStage::SynthesisStage(const Geometry& geometry, std::span<const LayerDesign> designs,
-                               unsigned channelCount)
-    : geometry_(geometry)
+SynthesisStage::SynthesisStage(const AnalysisStage& analysis, const Geometry& geometry,
+                               std::span<const LayerDesign> designs, unsigned channelCount)
+    : analysis_(analysis)
+    , geometry_(geometry)
     , designs_(designs)
-    , input_(geometry, channelCount, geometry.lookAhead + geometry.longestWindow + geometry.block)
-    , detector_(geometry, channelCount)
     , framesToNeutral_(static_cast<Frames>(pi / PhaseTracker::returnSpeed * geometry.sampleRate)
                        + geometry.latency() + geometry.longestWindow)
 {
@@ -38,10 +37,9 @@ SynthesisStage::SynthesisStage(const Geometry& geometry, std::span<const LayerDe
 void SynthesisStage::reset(double ratio) noexcept
 {
     ratio_ = wantedRatio_ = ratio;
+    block_ = 0;
     inputEnd_ = 0;
     neutralFrames_ = ratio == 1 ? framesToNeutral_ : 0;
-    input_.clear();
-    detector_.reset();
     for (const std::unique_ptr<SynthesisLayer>& layer : layers_) {
         layer->reset(ratio);
     }
@@ -50,24 +48,22 @@ void SynthesisStage::reset(double ratio) noexcept
     }
 }
 
-void SynthesisStage::begin(const AnalysisStage& analysis, const float* const* input,
-                           std::span<float* const> output) noexcept
+void SynthesisStage::begin(std::span<float* const> output) noexcept
 {
-    input_.advance(input);
-    detector_.advance(input);
+    ++block_;
     inputEnd_ += geometry_.block;
     const Frames reference = inputEnd_ - geometry_.lookAhead;
     takeOverRatio(reference);
     countNeutralFrames();
-    chooseLowBand(analysis, reference);
+    chooseLowBand(reference);
     prepareLayers(reference);
-    synthesise(analysis, reference, false);
+    synthesise(reference, false);
     const Frames position = reference - geometry_.tail;
     for (float* channel : output) {
         std::fill_n(channel, geometry_.block, 0.0F);
     }
     for (const std::unique_ptr<SynthesisLayer>& layer : layers_) {
-        layer->render(position, detector_, output);
+        layer->render(position, onsets(), analysis_.detector(), output);
     }
 }
 
@@ -77,16 +73,15 @@ void SynthesisStage::beginFinish() noexcept
     for (std::size_t index = 0; index < layers_.size(); ++index) {
         const LayerGeometry& layer = geometry_.layers[index];
         if (geometry_.canWait(layer) && reference % layer.hop == 0) {
-            layers_[index]->cutPrepared(input_.of(layer));
+            layers_[index]->cutPrepared(analysis_.input().of(layer));
         }
     }
 }
 
-void SynthesisStage::finish(const AnalysisStage& analysis) noexcept
+void SynthesisStage::finish() noexcept
 {
     const Frames reference = inputEnd_ - geometry_.lookAhead;
-    synthesise(analysis, reference, true);
-    detector_.onsets().forgetBefore(reference - geometry_.tail - geometry_.longestWindow);
+    synthesise(reference, true);
 }
 
 void SynthesisStage::anticipate() noexcept
@@ -95,8 +90,8 @@ void SynthesisStage::anticipate() noexcept
     for (std::size_t index = 0; index < layers_.size(); ++index) {
         const LayerGeometry& layer = geometry_.layers[index];
         if (!geometry_.canWait(layer) && reference % layer.hop == 0) {
-            layers_[index]->anticipate(floorDivide(reference, layer.hop), detector_.onsets(),
-                                       input_.of(layer));
+            layers_[index]->anticipate(floorDivide(reference, layer.hop), onsets(),
+                                       analysis_.input().of(layer));
         }
     }
 }
@@ -127,12 +122,12 @@ void SynthesisStage::countNeutralFrames() noexcept
     }
 }
 
-void SynthesisStage::chooseLowBand(const AnalysisStage& analysis, Frames reference) noexcept
+void SynthesisStage::chooseLowBand(Frames reference) noexcept
 {
     const LayerGeometry& lowest = geometry_.layers.front();
     if (lowBand_ && reference % lowest.hop == 0) {
-        const bool isNearOnset = detector_.onsets().isNear(reference, lowest.release, lowLayers);
-        lowBand_->update(analysis.frames(1), floorDivide(reference, lowest.hop), !isNearOnset);
+        const bool isNearOnset = onsets().isNear(reference, lowest.release, lowLayers);
+        lowBand_->update(analysis_.frames(1), floorDivide(reference, lowest.hop), !isNearOnset);
     }
 }
 
@@ -141,24 +136,23 @@ void SynthesisStage::prepareLayers(Frames reference) noexcept
     for (std::size_t index = 0; index < layers_.size(); ++index) {
         const LayerGeometry& layer = geometry_.layers[index];
         if (reference % layer.hop == 0) {
-            layers_[index]->prepare(floorDivide(reference, layer.hop), detector_.onsets());
+            layers_[index]->prepare(floorDivide(reference, layer.hop), onsets());
         }
     }
 }
 
 /// Synthesises the frame at `reference`, in those layers that can wait or in the others.
-void SynthesisStage::synthesise(const AnalysisStage& analysis, Frames reference,
-                                bool waiting) noexcept
+void SynthesisStage::synthesise(Frames reference, bool waiting) noexcept
 {
     for (std::size_t index = 0; index < layers_.size(); ++index) {
         const LayerGeometry& layer = geometry_.layers[index];
         if (geometry_.canWait(layer) == waiting && reference % layer.hop == 0) {
-            synthesiseLayer(index, analysis);
+            synthesiseLayer(index);
         }
     }
 }
 
-void SynthesisStage::synthesiseLayer(std::size_t index, const AnalysisStage& analysis) noexcept
+void SynthesisStage::synthesiseLayer(std::size_t index) noexcept
 {
     const bool isLowest = index == 0;
     const bool isSecond = index == 1;
@@ -168,11 +162,11 @@ void SynthesisStage::synthesiseLayer(std::size_t index, const AnalysisStage& ana
     }
     const SynthesisLayer::Settings settings{
         .ratio = ratio_,
-        .input = input_.of(geometry_.layers[index]),
+        .input = analysis_.input().of(geometry_.layers[index]),
         .weights = *weights,
         .ownShare = lowBand_ && isSecond ? lowBand_->servedShare() : noShare_[index],
         .lower = isLowest ? nullptr : layers_[index - 1].get()};
-    layers_[index]->synthesise(analysis.frames(index), settings);
+    layers_[index]->synthesise(analysis_.frames(index), settings);
     if (lowBand_ && isSecond) {
         layers_[1]->phases().handTo(layers_[0]->phases(), lowBand_->lostShare());
     }

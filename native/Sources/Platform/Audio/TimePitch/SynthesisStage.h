@@ -8,10 +8,9 @@
 #include "Platform/Audio/TimePitch/Geometry.h"
 #include "Platform/Audio/TimePitch/LayerDesign.h"
 #include "Platform/Audio/TimePitch/LowBandChooser.h"
-#include "Platform/Audio/TimePitch/OctaveInput.h"
-#include "Platform/Audio/TimePitch/OnsetDetector.h"
 #include "Platform/Audio/TimePitch/SynthesisLayer.h"
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <span>
@@ -19,27 +18,26 @@
 
 namespace tonvale::timepitch {
 
-/// The half of the engine that depends on the pitch: onsets, phases, shifting, output.
+/// The half of the engine that depends on the pitch: cuts at onsets, phases, shifting, output.
 /// @thread WORKER, one at a time; only constructing allocates
 class SynthesisStage {
 public:
-    SynthesisStage(const Geometry& geometry, std::span<const LayerDesign> designs,
-                   unsigned channelCount);
+    SynthesisStage(const AnalysisStage& analysis, const Geometry& geometry,
+                   std::span<const LayerDesign> designs, unsigned channelCount);
 
     /// Back to the start of a stream that is shifted by `ratio` from its first frame.
     void reset(double ratio) noexcept;
     /// Wants another ratio; taken over at the next reference that all layers share.
     void setRatio(double ratio) noexcept { wantedRatio_ = ratio; }
 
-    /// Takes the next block of input (for the onsets), of which `analysis` has taken at least as
-    /// many, and makes the next block of output, geometry.latency() frames older than the input's
-    /// end. Layers that can wait have their new frame prepared only.
-    void begin(const AnalysisStage& analysis, const float* const* input,
-               std::span<float* const> output) noexcept;
+    /// Takes the next block that the analysis has done and makes the next block of output,
+    /// geometry.latency() frames older than the input's end. Layers that can wait have their new
+    /// frame prepared only.
+    void begin(std::span<float* const> output) noexcept;
     /// A first part of finish() that may be done before it.
     void beginFinish() noexcept;
     /// The rest of the block's work, at any time before the next begin().
-    void finish(const AnalysisStage& analysis) noexcept;
+    void finish() noexcept;
 
     /// Work that the next begin() will need, at any time after finish(); changes no result.
     void anticipate() noexcept;
@@ -53,22 +51,23 @@ public:
 
 private:
     void takeOverRatio(Frames reference) noexcept;
-    void chooseLowBand(const AnalysisStage& analysis, Frames reference) noexcept;
+    void chooseLowBand(Frames reference) noexcept;
     void prepareLayers(Frames reference) noexcept;
-    void synthesise(const AnalysisStage& analysis, Frames reference, bool waiting) noexcept;
-    void synthesiseLayer(std::size_t index, const AnalysisStage& analysis) noexcept;
+    void synthesise(Frames reference, bool waiting) noexcept;
+    void synthesiseLayer(std::size_t index) noexcept;
+    [[nodiscard]] const OnsetList& onsets() const noexcept { return analysis_.onsets(block_); }
     void countNeutralFrames() noexcept;
 
+    const AnalysisStage& analysis_;
     const Geometry& geometry_;
     std::span<const LayerDesign> designs_;
-    OctaveInput input_;
-    OnsetDetector detector_;
     std::vector<std::unique_ptr<SynthesisLayer>> layers_;
     std::optional<LowBandChooser> lowBand_;
     std::vector<Array<float>> fixedWeights_;  ///< per layer
     std::vector<Array<float>> noShare_;       ///< per layer
     double ratio_ = 1;
     double wantedRatio_ = 1;
+    std::int64_t block_ = 0;  ///< taken so far
     Frames inputEnd_ = 0;
     Frames neutralFrames_ = 0;
     Frames framesToNeutral_;
