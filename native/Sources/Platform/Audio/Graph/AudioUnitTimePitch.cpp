@@ -23,6 +23,7 @@ AudioUnitTimePitch::AudioUnitTimePitch() = default;
 AudioUnitTimePitch::~AudioUnitTimePitch()
 {
     leaveHost();
+    endAhead();
 }
 
 void AudioUnitTimePitch::setRate(float rate) noexcept
@@ -37,7 +38,7 @@ std::uint32_t AudioUnitTimePitch::latencyFrames() const noexcept
 
 void AudioUnitTimePitch::prepare(const RenderSettings& settings)
 {
-    readAhead_.reset();
+    endAhead();
     settings_ = settings;
     if (settings.isOffline) {
         settings_.maximumFrameCount = offlineChunkFrames;
@@ -50,8 +51,9 @@ void AudioUnitTimePitch::prepare(const RenderSettings& settings)
                                                .workerThreads = settings_.isOffline ? 1U : 0U});
     framesToDrop_ = latencyFrames();
     unshifted_ = AudioPCMBuffer::create(format, settings_.maximumFrameCount);
-    shifted_ = AudioPCMBuffer::create(format, settings_.maximumFrameCount);
-    shiftedPlace_ = 0;
+    shifted_ =
+        settings.isOffline ? nullptr : AudioPCMBuffer::create(format, settings_.maximumFrameCount);
+    chunk_ = nullptr;
     inputChannels_.resize(format.channelCount);
     outputChannels_.resize(format.channelCount);
 }
@@ -61,10 +63,9 @@ std::uint32_t AudioUnitTimePitch::reset(std::uint32_t prerollFrames)
     if (!shifter_) {
         return AudioNode::reset(prerollFrames);
     }
-    readAhead_.reset();
+    endAhead();
     shifter_->reset();
-    shifted_->setFrameLength(0);
-    shiftedPlace_ = 0;
+    chunk_ = nullptr;
     const std::uint32_t before =
         AudioNode::reset(prerollFrames + static_cast<std::uint32_t>(shifter_->prerollFrames()));
     const std::uint32_t wanted = std::min(prerollFrames, before);
@@ -72,43 +73,63 @@ std::uint32_t AudioUnitTimePitch::reset(std::uint32_t prerollFrames)
     return wanted;
 }
 
+void AudioUnitTimePitch::endAhead() noexcept
+{
+    shiftAhead_.reset();  // first: it takes from the other
+    readAhead_.reset();
+}
+
 void AudioUnitTimePitch::render(AudioPCMBuffer& buffer, std::uint32_t frameCount)
 {
     for (std::uint32_t done = 0; done < frameCount;) {
-        if (shiftedPlace_ == shifted_->frameLength()) {
-            shiftChunk(nextChunkFrames(frameCount - done));
+        if (chunk_ == nullptr || chunkPlace_ == chunk_->frameLength()) {
+            takeChunk(frameCount - done);
         }
         const std::uint32_t count =
-            std::min(frameCount - done, shifted_->frameLength() - shiftedPlace_);
+            std::min(frameCount - done, chunk_->frameLength() - chunkPlace_);
         for (std::uint32_t channel = 0; channel < outputChannels_.size(); ++channel) {
-            std::ranges::copy(shifted_->channel(channel).subspan(shiftedPlace_, count),
+            std::ranges::copy(chunk_->channel(channel).subspan(chunkPlace_, count),
                               buffer.channel(channel).begin() + done);
         }
-        shiftedPlace_ += count;
+        chunkPlace_ += count;
         done += count;
     }
     buffer.setFrameLength(frameCount);
 }
 
 /// Live, no frame is shifted before it is asked for, so that a new pitch is heard at once.
-std::uint32_t AudioUnitTimePitch::nextChunkFrames(std::uint32_t wanted) const noexcept
+void AudioUnitTimePitch::takeChunk(std::uint32_t wanted)
 {
-    const std::uint32_t most = settings_.maximumFrameCount;
-    return settings_.isOffline ? most : std::min(most, std::max(wanted, framesToDrop_));
+    if (settings_.isOffline) {
+        chunk_ = &shiftedAhead();
+    } else {
+        shiftChunk(*shifted_,
+                   std::min(settings_.maximumFrameCount, std::max(wanted, framesToDrop_)));
+        chunk_ = shifted_.get();
+    }
+    chunkPlace_ = std::min(framesToDrop_, chunk_->frameLength());
+    framesToDrop_ -= chunkPlace_;
 }
 
-void AudioUnitTimePitch::shiftChunk(std::uint32_t frameCount)
+const AudioPCMBuffer& AudioUnitTimePitch::shiftedAhead()
+{
+    if (!shiftAhead_) {
+        // Not before the first render: until then the player may still be told what to play.
+        shiftAhead_.emplace(shifting_, settings_.format, settings_.maximumFrameCount);
+    }
+    return shiftAhead_->next();
+}
+
+void AudioUnitTimePitch::shiftChunk(AudioPCMBuffer& shifted, std::uint32_t frameCount)
 {
     const AudioPCMBuffer& input = takeInput(frameCount);
     for (std::uint32_t channel = 0; channel < outputChannels_.size(); ++channel) {
         inputChannels_[channel] = input.channel(channel).data();
-        outputChannels_[channel] = shifted_->channel(channel).data();
+        outputChannels_[channel] = shifted.channel(channel).data();
     }
     shifter_->setPitch(pitch());
     shifter_->process(inputChannels_, outputChannels_, frameCount);
-    shifted_->setFrameLength(frameCount);
-    shiftedPlace_ = std::min(framesToDrop_, frameCount);
-    framesToDrop_ -= shiftedPlace_;
+    shifted.setFrameLength(frameCount);
 }
 
 const AudioPCMBuffer& AudioUnitTimePitch::takeInput(std::uint32_t frameCount)
@@ -118,7 +139,6 @@ const AudioPCMBuffer& AudioUnitTimePitch::takeInput(std::uint32_t frameCount)
         return *unshifted_;
     }
     if (!readAhead_) {
-        // Not before the first render: until then the player may still be told what to play.
         readAhead_.emplace(*input(), settings_.format, settings_.maximumFrameCount);
     }
     return readAhead_->next();

@@ -22,14 +22,14 @@ class PitchShifter;
 /// Shifts the pitch of its input at unchanged tempo. It renders its input ahead by the engine's
 /// latency, so every sound comes out at the frame where it went in.
 ///
-/// Offline it works in large chunks on up to three threads: one decodes, one analyses, the caller
-/// puts together. The sound is the same.
+/// Offline it works in large chunks on threads of its own, one ahead of the other: one decodes, one
+/// analyses, one puts together, and the caller does with it what it likes. The sound is the same.
 class AudioUnitTimePitch final : public AudioNode {
 public:
     AudioUnitTimePitch();
     ~AudioUnitTimePitch() override;
 
-    /// Heard from the next rendered block on; offline, from the next chunk.
+    /// Heard from the next rendered block on; offline, from the next chunk that is begun.
     /// @param cents  -1200 ... 1200; 100 to a semitone
     /// @thread ANY
     void setPitch(float cents) noexcept { pitch_.store(cents, std::memory_order_relaxed); }
@@ -47,8 +47,23 @@ public:
     void render(AudioPCMBuffer& buffer, std::uint32_t frameCount) override;
 
 private:
-    [[nodiscard]] std::uint32_t nextChunkFrames(std::uint32_t wanted) const noexcept;
-    void shiftChunk(std::uint32_t frameCount);
+    /// What runs ahead offline.
+    class Shifting final : public AudioNode {
+    public:
+        explicit Shifting(AudioUnitTimePitch& unit) : unit_(unit) {}
+        void render(AudioPCMBuffer& buffer, std::uint32_t frameCount) override
+        {
+            unit_.shiftChunk(buffer, frameCount);
+        }
+
+    private:
+        AudioUnitTimePitch& unit_;
+    };
+
+    void endAhead() noexcept;
+    void takeChunk(std::uint32_t wanted);
+    [[nodiscard]] const AudioPCMBuffer& shiftedAhead();
+    void shiftChunk(AudioPCMBuffer& shifted, std::uint32_t frameCount);
     [[nodiscard]] const AudioPCMBuffer& takeInput(std::uint32_t frameCount);
 
     std::atomic<float> pitch_ = 0.0F;
@@ -56,11 +71,14 @@ private:
     std::unique_ptr<timepitch::PitchShifter> shifter_;
     std::uint32_t framesToDrop_ = 0;  // of the shifter's latency and preroll, still to come out
     std::unique_ptr<AudioPCMBuffer> unshifted_;
-    std::unique_ptr<AudioPCMBuffer> shifted_;
-    std::uint32_t shiftedPlace_ = 0;  // how much of shifted_ was given away
+    std::unique_ptr<AudioPCMBuffer> shifted_;  // live only
+    const AudioPCMBuffer* chunk_ = nullptr;    // being given away; null before the first
+    std::uint32_t chunkPlace_ = 0;             // how much of it was
     std::vector<const float*> inputChannels_;
     std::vector<float*> outputChannels_;
-    std::optional<ReadAhead> readAhead_;  // offline only, from the first render on
+    Shifting shifting_{*this};
+    std::optional<ReadAhead> readAhead_;   // offline only, from the first render on
+    std::optional<ReadAhead> shiftAhead_;  // last: its thread uses all of the above
 };
 
 }  // namespace tonvale
