@@ -41,7 +41,7 @@ namespace tonvale::test {
 namespace {
 
 constexpr rlim_t mostProcessorSeconds = 10;
-constexpr int mostMilliseconds = 60000;
+constexpr int mostMilliseconds = 300000;  // for a busy machine; only waiting takes so long
 constexpr rlim_t mostBytes = rlim_t{512} << 20U;
 constexpr rlim_t largestFile = rlim_t{512} << 20U;
 
@@ -150,7 +150,7 @@ Ending endingOf(const std::function<Ending()>& trial)
     ::_exit(0);
 }
 
-void killAfterAMinute(pid_t process)
+void killIfItHangs(pid_t process)
 {
     // The C library's own function cannot be called from C++ before its version 2.37.
     const FileDescriptor handle(static_cast<int>(::syscall(SYS_pidfd_open, process, 0)));
@@ -203,7 +203,7 @@ TrialResult runTrial(const std::function<Ending()>& trial)
     if (process < 0) {
         throw std::system_error(errno, std::generic_category(), "fork");
     }
-    killAfterAMinute(process);
+    killIfItHangs(process);
     int status = 0;
     rusage usage{};
     ::wait4(process, &status, 0, &usage);

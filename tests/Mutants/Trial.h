@@ -31,7 +31,7 @@ struct TrialResult {
 };
 
 /// Runs `trial` in a process of its own that may use 10 seconds of the processor and 512 MiB of
-/// memory, and end in any way; a minute without an end is one too many, too. What it has not freed
+/// memory, and end in any way; one that waits for five minutes hangs, too. What it has not freed
 /// by its end is a leak. Whatever it throws or prints is a failure.
 ///
 /// Where the address sanitizer is not, memory that is not there cannot be had: the limit holds for
