@@ -26,6 +26,18 @@ ViewTestCase {
         }
     }
 
+    // What else there is in a window, and must not be hit by chance.
+    MouseArea {
+        id: elsewhere
+        width: 90
+        height: 90
+    }
+    SignalSpy {
+        id: pressedElsewhere
+        target: elsewhere
+        signalName: "pressed"
+    }
+
     property KeyPicker view
     readonly property Item button: view ? find(view, { textRole: "name" }) : null
     SignalSpy {
@@ -38,6 +50,15 @@ ViewTestCase {
         view = createTemporaryObject(component, root);
         waitForRendering(view);
         chosen.clear();
+        pressedElsewhere.clear();
+    }
+
+    /// A list that has no room below opens with other entries over the button.
+    function init_low_view() {
+        init_view();
+        model.show({ targetKey: "cMajor" });
+        view.y = 600;
+        waitForRendering(view);
     }
 
     function open() {
@@ -100,10 +121,74 @@ ViewTestCase {
         compare(button.displayText, "D# / Eb major");
     }
 
+    function test_a_double_click_opens_the_list_and_chooses_nothing() {
+        init_low_view();
+        mouseDoubleClickSequence(button);
+        tryCompare(button.popup, "opened", true);
+        waitForRendering(list());
+        compare(chosen.count, 0);
+        compare(button.highlightedIndex, 0);
+        mouseClick(list().itemAtIndex(3));
+        compare(model.targetKey, "eFlatMajor");
+    }
+
+    function test_a_held_press_chooses_where_it_is_let_go() {
+        init_view();
+        mousePress(button);
+        tryCompare(button.popup, "opened", true);
+        waitForRendering(list());
+        mouseMove(list().itemAtIndex(5));
+        compare(button.highlightedIndex, 5);
+        mouseMove(list().itemAtIndex(4));
+        compare(button.highlightedIndex, 4);
+        compare(chosen.count, 0);
+        mouseRelease(list().itemAtIndex(4));
+        compare(model.targetKey, "eMajor");
+        compare(chosen.count, 1);
+        tryCompare(button.popup, "visible", false);
+    }
+
+    function test_a_held_press_let_go_beside_the_list_chooses_nothing() {
+        init_view();
+        mousePress(button);
+        tryCompare(button.popup, "opened", true);
+        mouseMove(root, 600, 300);
+        mouseRelease(root, 600, 300);
+        tryCompare(button.popup, "visible", false);
+        compare(chosen.count, 0);
+    }
+
+    function test_a_resting_pointer_highlights_nothing() {
+        init_low_view();
+        mouseMove(button);
+        button.forceActiveFocus(Qt.TabFocusReason);
+        keyClick(Qt.Key_Space);
+        tryCompare(button.popup, "opened", true);
+        waitForRendering(list());
+        mouseMove(button, button.width / 2 + 1, button.height / 2); // as the window does for what appears under it
+        compare(button.highlightedIndex, 0);
+        mouseMove(list().itemAtIndex(7), 20, 12);
+        mouseMove(list().itemAtIndex(7), 24, 12);
+        compare(button.highlightedIndex, 7);
+        compare(chosen.count, 0);
+    }
+
+    function test_a_press_elsewhere_only_closes_the_list() {
+        init_view();
+        open();
+        mouseClick(elsewhere);
+        tryCompare(button.popup, "visible", false);
+        compare(pressedElsewhere.count, 0);
+        compare(chosen.count, 0);
+        mouseClick(elsewhere);
+        compare(pressedElsewhere.count, 1);
+    }
+
     function test_the_same_key_can_be_chosen_again() {
         init_view();
         open();
-        mouseClick(list().itemAtIndex(10));
+        mouseMove(list().itemAtIndex(10), 5, 12);
+        mouseClick(list().itemAtIndex(10), 5, 12);
         compare(chosen.count, 1);
         compare(chosen.signalArguments[0][0], "bFlatMajor");
     }
@@ -208,6 +293,20 @@ ViewTestCase {
         button.forceActiveFocus(Qt.TabFocusReason);
         type("xyz");
         compare(chosen.count, 0);
+    }
+
+    function test_the_space_bar_opens_the_list_where_no_key_goes_on_with_a_blank_data() {
+        return [{ tag: "x" }, { tag: "eb major" }, { tag: "e " }, { tag: "f# m" }];
+    }
+
+    function test_the_space_bar_opens_the_list_where_no_key_goes_on_with_a_blank(data) {
+        init_view();
+        button.forceActiveFocus(Qt.TabFocusReason);
+        type(data.tag);
+        compare(button.popup.visible, false);
+        keyClick(Qt.Key_Space);
+        tryCompare(button.popup, "opened", true);
+        compare(button.typed, "");
     }
 
     function test_typing_starts_anew_after_a_while() {

@@ -28,11 +28,18 @@ class Hands:
     def press(self) -> None:
         self._do("mousedown", 1)
 
+    def drag_on(self, place: tuple[int, int]) -> None:
+        """Moves there in two steps, with the button as it is."""
+        self._do("mousemove", place[0], place[1] - 3, "sleep", 0.03, "mousemove", *place)
+
     def release(self) -> None:
         self._do("mouseup", 1)
 
     def click(self, place: tuple[int, int]) -> None:
         self._do("mousemove", *place, "click", 1)
+
+    def double_click(self, place: tuple[int, int]) -> None:
+        self._do("mousemove", *place, "click", "--repeat", 2, "--delay", 60, 1)
 
     def drag(self, begin: tuple[int, int], *places: tuple[int, int]) -> None:
         """Presses the button, moves through the places and releases it at the last one."""

@@ -81,6 +81,37 @@ class KeysTest(WindowTestCase):
         self.wait_for_key("New key", "A# / Bb major")
         self.program.wait_for_text("No shift")
 
+    def test_a_double_click_on_a_picker_chooses_nothing(self):
+        """Also where the list, kept in the window, opens with another key under the pointer."""
+        self.hands.resize(self.window(), 300, 200)  # as small as it gets
+        for key in ("B minor", "C major"):
+            self.choose_key("New key", key)
+            self.hands.double_click(self.program.find("combo box", "New key").area.middle)
+            self.program.find("list item", "C major")
+            self.hands.keys("Return")
+            self.wait_for_closed_pickers()
+            self.assertEqual(self.chosen_key("New key"), key)
+
+    def test_a_press_beside_the_open_list_only_closes_it(self):
+        self.load_tone()
+        clear = self.program.button("Clear").area.middle
+        self.open_picker("New key")
+        self.hands.click(clear)
+        self.wait_for_closed_pickers()
+        self.assertIn("File loaded", self.program.texts())
+        self.hands.click(clear)
+        self.program.wait_for_text("No file selected")
+
+    def test_a_key_can_be_chosen_with_one_long_press(self):
+        picker = self.program.find("combo box", "New key").area.middle
+        self.hands.move(picker)
+        self.hands.press()
+        entry = self.program.find("list item", "B major").area.middle
+        self.hands.drag_on(entry)
+        self.hands.release()
+        self.wait_for_key("New key", "B major")
+        self.wait_for_closed_pickers()
+
     def test_a_key_can_be_chosen_with_the_mouse(self):
         self.hands.click(self.program.find("combo box", "New key").area.middle)
         self.hands.click(self.program.find("list item", "B major").area.middle)

@@ -14,6 +14,12 @@ function indexOf(names, typed) {
     return exact >= 0 ? exact : spellings.findIndex(list => list.some(text => text.startsWith(wanted)));
 }
 
+/// Whether a spelling of an entry goes on with just these letters and blanks.
+function goesOn(names, typed) {
+    const wanted = typed.toLowerCase();
+    return names.some(name => spellingsOf(name).some(text => text.startsWith(wanted)));
+}
+
 function spellingsOf(name) {
     const words = name.toLowerCase().split(" ");
     const end = words.slice(-1)[0];

@@ -32,6 +32,8 @@ T.ComboBox {
     Accessible.onPressAction: popup.visible ? popup.close() : popup.open()
 
     function goTo(index: int): void {
+        if (index < 0)
+            return;
         if (!popup.visible)
             activated(index);
         for (; popup.visible && highlightedIndex < index;)
@@ -41,13 +43,21 @@ T.ComboBox {
     }
 
     Keys.onPressed: event => {
+        shield.raise();
         const isText = /^[^\x00-\x1f\x7f]$/.test(event.text) && !(event.modifiers & (Qt.ControlModifier | Qt.AltModifier));
-        if (!isText || (event.text === " " && typed === ""))
-            return;
+        const names = model.map(entry => entry[textRole]);
+        // A blank is text where an entry goes on with one, and the space bar everywhere else.
+        if (event.text === " " && !EntrySearch.goesOn(names, typed + " "))
+            typed = "";
+        else if (isText)
+            type(names, event);
+    }
+
+    function type(names: var, event: var): void {
         event.accepted = true;
         typed += event.text;
         forget.restart();
-        const index = EntrySearch.indexOf(model.map(entry => entry[textRole]), typed);
+        const index = EntrySearch.indexOf(names, typed);
         if (index >= 0)
             goTo(index);
     }
@@ -58,6 +68,20 @@ T.ComboBox {
         id: forget
         interval: 1000
         onTriggered: root.typed = ""
+    }
+
+    PopUpPress {
+        id: mouse
+        anchors.fill: parent
+        z: 1
+        popup: root.popup
+        list: list
+        onMoved: index => root.goTo(index)
+        onLetGo: index => {
+            root.popup.close();
+            if (index >= 0)
+                root.activated(index);
+        }
     }
 
     contentItem: PlainLabel {
@@ -98,9 +122,13 @@ T.ComboBox {
         height: Math.min(list.contentHeight + 10, root.Window.height - 12)
         margins: 6
         padding: 5
+        // The press that closes the list does nothing else.
+        modal: true
+        dim: false
 
         // The list needs the keys while it is open; afterwards the space bar means what it meant.
         onAboutToShow: {
+            shield.raise();
             if (root.activeFocus)
                 return;
             root.focusedBefore = root.Window.activeFocusItem;
@@ -124,6 +152,14 @@ T.ComboBox {
 
             Accessible.role: Accessible.List
             Accessible.name: root.Accessible.name
+
+            PopUpShield {
+                id: shield
+                parent: list
+                anchors.fill: parent
+                z: 1
+                button: mouse
+            }
         }
 
         background: Item {
