@@ -119,6 +119,21 @@ ViewTestCase {
         compare(hasRing(button), false);
     }
 
+    function test_the_ring_shows_a_focus_that_a_screen_reader_sets() {
+        init_view(states.loaded);
+        for (const name of ["Play preview", "Back 15 seconds"]) {
+            verify(reader.act(root.Window.window, "Button", name, "SetFocus"));
+            compare(hasRing(find(view, { text: name })), true, name);
+        }
+        compare(hasRing(playButton()), false);
+    }
+
+    function test_a_click_sets_no_ring() {
+        init_view(states.loaded);
+        playButton().forceActiveFocus(Qt.MouseFocusReason);
+        compare(hasRing(playButton()), false);
+    }
+
     function test_return_presses_too() {
         init_view(states.loaded);
         model.fileLoaded();

@@ -73,6 +73,18 @@ class KeyboardTest(WindowTestCase):
                        changed_pixels(without_focus[control], self.picture(control)) > VISIBLE_PIXELS,
                        f"a visible focus on {control}")
 
+    def test_a_focus_that_a_screen_reader_sets_is_visible(self):
+        self.load_tone()
+        self.program.wait_for_focus(BUTTON, "Play preview")
+        without_focus = {control: self.picture(control) for control in LOADED}
+        self.focus(BUTTON, "Clear")
+        without_focus[BUTTON, "Play preview"] = self.picture((BUTTON, "Play preview"))
+        for control in LOADED[1:]:
+            self.focus(*control)
+            wait_until(lambda control=control:
+                       changed_pixels(without_focus[control], self.picture(control)) > VISIBLE_PIXELS,
+                       f"a visible focus on {control}")
+
     def spoken(self, element: Element) -> str:
         """The words of a screen reader that comes to a control."""
         words = [element.name, element.role]
