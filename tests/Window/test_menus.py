@@ -41,6 +41,29 @@ class MenuTest(WindowTestCase):
         self.hands.keys("Escape")
         self.program.wait_for_no_dialog()
 
+    def test_the_keyboard_comes_to_the_first_command_and_goes_on_from_there(self):
+        for key, command in (("alt+f", "Choose Audio File..."), ("Down", "Stop Preview"), ("Right", ABOUT),
+                             ("Down", "Quit Tonvale"), ("Left", "Choose Audio File...")):
+            self.hands.keys(key)
+            self.program.wait_for_focus("menu item", command)
+        self.hands.keys("Escape")
+        wait_until(lambda: "Choose Audio File..." not in self.items(), "the menu to close")
+        self.hands.keys("F10")
+        self.program.wait_for_focus("menu item", ABOUT)
+        self.hands.keys("Escape")
+        wait_until(lambda: ABOUT not in self.items(), "the menu to close")
+
+    def test_a_press_beside_an_open_menu_only_closes_it(self):
+        self.load_tone()
+        clear = self.program.button("Clear").area.middle
+        self.hands.click(self.program.find("menu item", "File").area.middle)
+        self.program.find("menu item", "Stop Preview")
+        self.hands.click(clear)
+        wait_until(lambda: "Stop Preview" not in self.items(), "the menu to close")
+        self.assertIn("File loaded", self.program.texts())
+        self.hands.click(clear)
+        self.program.wait_for_text("No file selected")
+
     def test_choose_audio_file_has_a_shortcut(self):
         self.hands.keys("ctrl+o")
         self.program.dialog("Open")

@@ -13,6 +13,7 @@
 
 #include <QAccessible>
 #include <QGuiApplication>
+#include <QQuickItem>
 #include <QQuickWindow>
 #include <QSignalSpy>
 #include <QTest>
@@ -130,6 +131,18 @@ TEST_F(MainWindow, HasTwoMenus)
     EXPECT_THAT(namesOf(window(), QAccessible::MenuItem), ElementsAre("Tonvale", "File"));
 }
 
+TEST_F(MainWindow, UnderlinesTheLettersThatOpenTheMenus)
+{
+    std::vector<std::string> titles;
+    for (const QQuickItem* const item : window().findChildren<QQuickItem*>()) {
+        if (item->inherits("QQuickMenuBarItem")) {
+            const auto* const label = item->property("contentItem").value<QQuickItem*>();
+            titles.push_back(label->property("text").toString().toStdString());
+        }
+    }
+    EXPECT_THAT(titles, ElementsAre("<u>T</u>onvale", "<u>F</u>ile"));
+}
+
 TEST_F(MainWindow, ListsTheCommandsInTheirOrder)
 {
     openMenu(Qt::Key_F, QStringLiteral("Stop Preview"));
@@ -190,6 +203,17 @@ TEST_F(MainWindow, ShowsTheAboutPanelInItsMiddle)
     ASSERT_NE(about, nullptr);
     const QPoint apart = about->geometry().center() - window().geometry().center();
     EXPECT_LE(apart.manhattanLength(), 2);
+}
+
+TEST_F(MainWindow, GivesTheAboutPanelACloseButtonAndNoOther)
+{
+    scene_.showAboutPanel();
+    const QWindow* about = windowTitled(QStringLiteral("About Tonvale"));
+    ASSERT_NE(about, nullptr);
+    EXPECT_TRUE(about->flags().testFlag(Qt::WindowCloseButtonHint));
+    EXPECT_FALSE(about->flags().testFlag(Qt::WindowMinimizeButtonHint));
+    EXPECT_FALSE(about->flags().testFlag(Qt::WindowMaximizeButtonHint));
+    EXPECT_TRUE(about->flags().testFlag(Qt::CustomizeWindowHint)) << "the hints are not looked at";
 }
 
 TEST_F(MainWindow, TellsScreenReadersWhatIsDisabled)

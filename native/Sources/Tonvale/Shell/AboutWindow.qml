@@ -31,7 +31,8 @@ Window {
     }
 
     title: "About Tonvale"
-    flags: Qt.Dialog
+    // Of a size that cannot change, and with the main window wherever that goes.
+    flags: Qt.Dialog | Qt.CustomizeWindowHint | Qt.WindowTitleHint | Qt.WindowSystemMenuHint | Qt.WindowCloseButtonHint
     color: Theme.windowBackground
     width: 300
     height: 264

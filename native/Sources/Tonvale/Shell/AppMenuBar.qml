@@ -13,6 +13,7 @@ MenuBar {
     id: root
 
     required property AppCommands commands
+    readonly property bool isOpen: tonvaleMenu.visible || fileMenu.visible
 
     implicitHeight: 26
     leftPadding: 15
@@ -24,7 +25,13 @@ MenuBar {
         color: Theme.windowBackground
     }
 
+    Shortcut {
+        sequence: "F10"
+        onActivated: root.itemAt(0).triggered()
+    }
+
     AppMenu {
+        id: tonvaleMenu
         title: "&Tonvale"
 
         AppMenuItem {
@@ -39,6 +46,7 @@ MenuBar {
     }
 
     AppMenu {
+        id: fileMenu
         title: "&File"
 
         AppMenuItem {

@@ -13,6 +13,16 @@ MenuBarItem {
     // The letter behind the "&" opens the menu together with Alt.
     readonly property string shownTitle: text.replace("&", "")
 
+    // The menu and the arrows of the keyboard come to its first command at once.
+    Connections {
+        target: root.menu
+
+        function onOpened() {
+            if (!root.hovered)
+                root.menu.currentIndex = 0;
+        }
+    }
+
     Accessible.name: shownTitle
     Accessible.onPressAction: triggered()
 
@@ -23,7 +33,8 @@ MenuBarItem {
     font: Theme.body
 
     contentItem: PlainLabel {
-        text: root.shownTitle
+        text: root.text.replace(/&(.)/, "<u>$1</u>")
+        textFormat: Text.StyledText
         font: root.font
         verticalAlignment: Text.AlignVCenter
         Accessible.ignored: true

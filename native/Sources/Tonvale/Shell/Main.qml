@@ -54,6 +54,25 @@ ApplicationWindow {
         model: root.model
     }
 
+    // The press that closes a menu does nothing else.
+    MouseArea {
+        anchors.fill: parent
+        visible: menus.isOpen || closing.running
+
+        Timer {
+            id: closing
+            interval: 0
+        }
+
+        Connections {
+            target: menus
+
+            function onIsOpenChanged() {
+                closing.restart();
+            }
+        }
+    }
+
     AboutWindow {
         id: aboutWindow
         transientParent: root
