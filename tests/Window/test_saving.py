@@ -28,6 +28,7 @@ class SavingTest(WindowTestCase):
         self.transpose("C major", "F# / Gb minor")
         self.press_convert()
         self.assertEqual(self.proposed_name(), "Night Song - Key of F#.wav")
+        self.assertIn("Save in:", self.program.texts())
         self.assertTrue(self.program.button("Create New Folder").enabled)
         self.hands.keys("Return")
         self.program.wait_for_text("Saved +6 semitones")

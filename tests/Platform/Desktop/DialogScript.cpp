@@ -18,14 +18,10 @@
 
 namespace tonvale::test {
 
-namespace {
-
 QLineEdit& nameField(const QFileDialog& dialog)
 {
     return *dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
 }
-
-}  // namespace
 
 DialogScript::DialogScript() : deadline_(std::chrono::seconds(20))
 {

@@ -13,6 +13,7 @@
 
 class QDialog;
 class QFileDialog;
+class QLineEdit;
 class QWidget;
 
 namespace tonvale::test {
@@ -45,6 +46,8 @@ private:
     QDialog* seen_ = nullptr;  ///< at the last look; only compared
     QDeadlineTimer deadline_;
 };
+
+[[nodiscard]] QLineEdit& nameField(const QFileDialog& dialog);
 
 /// The text in the dialog's name field.
 [[nodiscard]] QString proposedName(const QFileDialog& dialog);

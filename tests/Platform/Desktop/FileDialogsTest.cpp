@@ -8,13 +8,17 @@
 #include "Platform/Desktop/AudioNameFilter.h"
 #include "Platform/Desktop/ColorScheme.h"
 #include "Platform/Desktop/FilePanels.h"
+#include "Support/MainLoop.h"
 #include "Support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
 #include <QAbstractButton>
+#include <QDialogButtonBox>
 #include <QFileDialog>
 #include <QHeaderView>
+#include <QLabel>
+#include <QLineEdit>
 #include <QTreeView>
 #include <QWindow>
 
@@ -127,6 +131,55 @@ TEST_F(SavePanelDialog, AnswersTheProposedNameWithEverySignOfIt)
     DialogScript script;
     script.fileDialog([](QFileDialog& dialog) { QMetaObject::invokeMethod(&dialog, "accept"); });
     EXPECT_EQ(savePanel(name)->runModal(), folder_.path() / name);
+}
+
+TEST_F(SavePanelDialog, SelectsTheNameWithoutItsExtension)
+{
+    DialogScript script;
+    script.fileDialog([](QFileDialog& dialog) {
+        const auto& name = test::nameField(dialog);
+        EXPECT_TRUE(
+            test::spinUntil([&] { return name.selectedText() == QLatin1String("take.2"); }));
+        dialog.reject();
+    });
+    EXPECT_EQ(savePanel("take.2.wav")->runModal(), std::nullopt);
+}
+
+TEST_F(SavePanelDialog, AsksWhereToSave)
+{
+    DialogScript script;
+    script.fileDialog([](QFileDialog& dialog) {
+        EXPECT_EQ(dialog.findChild<QLabel*>(QStringLiteral("lookInLabel"))->text(),
+                  QLatin1String("Save in:"));
+        dialog.reject();
+    });
+    EXPECT_EQ(savePanel("Song.wav")->runModal(), std::nullopt);
+}
+
+TEST_F(FileDialogs, HaveButtonsWithoutIcons)
+{
+    createFile(folder_.path() / "take.wav");
+    createFile(folder_.path() / "take.one.wav");
+    DialogScript script;
+    const auto expectNoIcons = [](const QWidget& dialog) {
+        const auto* const buttons = dialog.findChild<QDialogButtonBox*>();
+        ASSERT_NE(buttons, nullptr);
+        EXPECT_FALSE(buttons->buttons().isEmpty());
+        for (const auto* const button : buttons->buttons()) {
+            EXPECT_TRUE(button->icon().isNull()) << button->text().toStdString();
+        }
+    };
+    const auto answerNo = [expectNoIcons](QMessageBox& question) {
+        expectNoIcons(question);
+        question.button(QMessageBox::No)->click();
+    };
+    script.fileDialog(expectNoIcons)
+        .saveAs(QStringLiteral("take.wav"))
+        .question(answerNo)
+        .saveAs(QStringLiteral("take.one"))
+        .question(answerNo)
+        .cancel();
+    EXPECT_EQ(savePanel("Song.wav")->runModal(), std::nullopt);
 }
 
 TEST_F(SavePanelDialog, AnswersNothingWhenCancelled)

@@ -9,11 +9,14 @@
 #include "Platform/Desktop/FilePanels.h"
 #include "Platform/Desktop/SchemePalette.h"
 
+#include <QAbstractButton>
 #include <QChildEvent>
+#include <QDialogButtonBox>
 #include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QHeaderView>
+#include <QLineEdit>
 #include <QMessageBox>
 #include <QTreeView>
 #include <QWindow>
@@ -32,14 +35,34 @@ QString toName(const std::filesystem::path& path)
     return QFile::decodeName(path.c_str());
 }
 
+/// Without a desktop's theme the icons of standard buttons are from another age.
+void takeIconsOff(const QWidget& dialog)
+{
+    for (auto* const buttons : dialog.findChildren<QDialogButtonBox*>()) {
+        for (auto* const button : buttons->buttons()) {
+            button->setIcon(QIcon());
+        }
+    }
+}
+
+/// Selects what a user may want to change of a file's name: all but the extension.
+void selectBaseName(const QFileDialog& dialog)
+{
+    auto* const name = dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+    if (name != nullptr) {
+        name->setSelection(0, static_cast<int>(QFileInfo(name->text()).completeBaseName().size()));
+    }
+}
+
 /// The question whether to replace a file is a window of its own and would not take on the palette.
-class PaletteSharingDialog : public QFileDialog {
+class QuestionDressingDialog : public QFileDialog {
 protected:
     void childEvent(QChildEvent* event) override
     {
         auto* const question = qobject_cast<QMessageBox*>(event->child());
         if (event->polished() && question != nullptr) {
             question->setPalette(palette());
+            takeIconsOff(*question);
         }
         QFileDialog::childEvent(event);
     }
@@ -68,6 +91,7 @@ struct DialogContext {
         dialog.setSupportedSchemes({QStringLiteral("file")});
         dialog.setOption(QFileDialog::HideNameFilterDetails);
         widenColumns(dialog);
+        takeIconsOff(dialog);
         dialog.winId();  // makes the window that the parent is told to
         dialog.windowHandle()->setTransientParent(&window);
     }
@@ -88,7 +112,7 @@ public:
 
     std::optional<std::filesystem::path> runModal() override
     {
-        PaletteSharingDialog dialog;
+        QuestionDressingDialog dialog;
         dialog.setAcceptMode(QFileDialog::AcceptOpen);
         dialog.setFileMode(QFileDialog::ExistingFile);
         dialog.setNameFilter(audioNameFilter());
@@ -109,9 +133,9 @@ public:
 
     std::optional<std::filesystem::path> runModal() override
     {
-        PaletteSharingDialog dialog;
+        QuestionDressingDialog dialog;
         setUp(dialog);
-        while (context_.run(dialog) == QDialog::Accepted && !dialog.selectedFiles().isEmpty()) {
+        while (askForName(dialog)) {
             const QString chosen = dialog.selectedFiles().constFirst();
             const QString file = withWavExtension(chosen);
             // The dialog has asked about the name that was typed, not about the completed one.
@@ -130,11 +154,21 @@ private:
         dialog.setFileMode(QFileDialog::AnyFile);
         dialog.setNameFilter(QStringLiteral("WAVE audio (*.wav)"));
         dialog.setWindowTitle(QString::fromStdString(title));
+        dialog.setLabelText(QFileDialog::LookIn, QStringLiteral("Save in:"));
         context_.prepare(dialog);
         if (!directoryURL.empty()) {
             dialog.setDirectory(toName(directoryURL));
         }
         dialog.selectFile(toName(nameFieldStringValue));
+    }
+
+    /// @return whether there is one
+    bool askForName(QFileDialog& dialog) const
+    {
+        // The dialog selects the whole name as it opens.
+        QMetaObject::invokeMethod(
+            &dialog, [&dialog] { selectBaseName(dialog); }, Qt::QueuedConnection);
+        return context_.run(dialog) == QDialog::Accepted && !dialog.selectedFiles().isEmpty();
     }
 
     /// A dialog's own default suffix would spare every name that has a dot in it.
@@ -154,6 +188,7 @@ private:
         question.setTextFormat(Qt::PlainText);
         question.setDefaultButton(QMessageBox::No);
         question.setPalette(dialog.palette());
+        takeIconsOff(question);
         question.winId();
         question.windowHandle()->setTransientParent(&context_.window);
         return question.exec() == QMessageBox::Yes;
