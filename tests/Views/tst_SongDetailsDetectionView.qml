@@ -83,9 +83,16 @@ ViewTestCase {
         compare(view.implicitHeight, button().height);
     }
 
+    function test_a_line_that_is_ended_takes_no_further_line() {
+        init_view({ songDetailsMessage: "Traceback:\n  no numpy\n \n" });
+        const message = find(view, { text: "Traceback:\n  no numpy" });
+        compare([message.lineCount, message.truncated], [2, false]);
+        compare(heard()[1], "StaticText " + model.songDetailsMessage);
+    }
+
     function test_long_results_are_cut() {
         init_view({ songDetailsMessage: "word ".repeat(60), songDetailLines: ["word ".repeat(30)] });
-        const message = find(view, { text: model.songDetailsMessage });
+        const message = find(view, { text: model.songDetailsMessage.trim() });
         const line = find(view, { text: model.songDetailLines[0] });
         compare([message.lineCount, message.truncated], [2, true]);
         compare([line.lineCount, line.truncated], [1, true]);

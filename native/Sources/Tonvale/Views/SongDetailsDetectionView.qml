@@ -23,8 +23,10 @@ ColumnLayout {
 
     PlainLabel {
         Layout.fillWidth: true
-        visible: text !== ""
-        text: root.model.songDetailsMessage
+        visible: root.model.songDetailsMessage !== ""
+        // The end of its last line would count as a line more, and be told by an ellipsis.
+        text: root.model.songDetailsMessage.replace(/\s+$/, "")
+        Accessible.name: root.model.songDetailsMessage
         font: Theme.caption
         color: Theme.secondary
         wrapMode: Text.Wrap
