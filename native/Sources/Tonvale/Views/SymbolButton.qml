@@ -30,7 +30,7 @@ T.Button {
             x: Math.round((parent.width - width) / 2)
             y: Math.round((parent.height - height) / 2)
             name: root.symbol
-            fontSize: 15
+            fontSize: 17
             color: root.enabled ? Theme.text : Theme.disabledText
         }
     }

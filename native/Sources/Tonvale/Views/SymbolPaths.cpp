@@ -81,16 +81,17 @@ Symbol stopFill()
     return symbol;
 }
 
-/// The figures of "15", about 8 high around the middle of the grid.
+/// The figures of "15", about 7 high inside the arrow. Their straight lines lie in the middle of
+/// pixels where the grid is 20 pixels wide, as on the buttons.
 QPainterPath fifteen()
 {
     QPainterPath path;
-    addLine(path, {{7.6, 11.3}, {9.3, 10}, {9.3, 16.8}});
-    path.moveTo(16, 10);
-    path.lineTo(12.8, 10);
-    path.lineTo(12.5, 13);
-    path.cubicTo(14.1, 11.9, 16.4, 12.6, 16.4, 14.7);
-    path.cubicTo(16.4, 17.2, 13.3, 17.5, 12.1, 15.9);
+    addLine(path, {{7.8, 11.4}, {9, 10.2}, {9, 16.2}});
+    path.moveTo(15.6, 10.2);
+    path.lineTo(12.6, 10.2);
+    path.lineTo(12.4, 12.9);
+    path.cubicTo(13.9, 11.9, 15.9, 12.6, 15.9, 14.4);
+    path.cubicTo(15.9, 16.6, 13.3, 16.9, 12.1, 15.5);
     return path;
 }
 
@@ -98,11 +99,11 @@ QPainterPath fifteen()
 Symbol goBackward15()
 {
     Symbol symbol;
-    constexpr qreal radius = 8.9;
+    constexpr qreal radius = 9.3;
     const QRectF circle(12 - radius, 13.3 - radius, 2 * radius, 2 * radius);
     symbol.lines.arcMoveTo(circle, 90);
     symbol.lines.arcTo(circle, 90, -318);
-    addLine(symbol.lines, {{14.7, 1.6}, {11.9, 4.4}, {14.7, 7.2}});
+    addLine(symbol.lines, {{14.6, 1.4}, {11.9, 4}, {14.6, 6.6}});
     symbol.fineLines = fifteen();
     symbol.lineWidth = 1.6;
     return symbol;

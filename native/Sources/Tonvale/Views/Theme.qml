@@ -45,7 +45,7 @@ QtObject {
     readonly property color track: isDark ? "#4b4c52" : "#dadae0"
     readonly property color knob: isDark ? "#e9e9ec" : "#ffffff"
     readonly property color knobEdge: isDark ? "#00000000" : "#c4c4cb"
-    readonly property color disabledKnob: isDark ? "#55565c" : "#f0f0f3"
+    readonly property color disabledKnob: isDark ? "#55565c" : "#d2d2d9"
 
     // Fonts.
     readonly property string family: Qt.fontFamilies().includes("Inter") ? "Inter" : Application.font.family
