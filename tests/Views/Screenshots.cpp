@@ -2,9 +2,9 @@
 //
 // SPDX-License-Identifier: GPL-3.0-or-later
 
+#include "Tonvale/Shell/ArtworkProvider.h"
 #include "Tonvale/Views/Views.h"
 #include "Views/DragSimulator.h"
-#include "Views/PlainIcon.h"
 
 #include <QDir>
 #include <QGuiApplication>
@@ -48,6 +48,8 @@ void leaveState(QQuickView& view, DragSimulator& drag, const QString& name)
         QTest::mouseRelease(&view, Qt::LeftButton, {}, sliderPoint + QPoint(30, 0));
     } else if (name == "list") {
         QTest::keyClick(&view, Qt::Key_Escape);
+    } else if (name == "focus") {
+        view.activeFocusItem()->setFocus(false);
     }
     QTest::mouseMove(&view, QPoint(1, 1));
 }
@@ -72,7 +74,7 @@ int main(int argc, char** argv)
     const QDir folder(QString::fromLocal8Bit(argv[1]));
     QQuickView view;
     tonvale::addViews(*view.engine());
-    view.engine()->addImageProvider(QStringLiteral("artwork"), new tonvale::PlainIcon);
+    view.engine()->addImageProvider(QStringLiteral("artwork"), new tonvale::ArtworkProvider);
     view.setResizeMode(QQuickView::SizeRootObjectToView);
     view.setSource(QUrl::fromLocalFile(TONVALE_GALLERY));
     if (view.rootObject() == nullptr) {
