@@ -128,7 +128,9 @@ void analysisAndSynthesis(benchmark::State& state)
     for (auto _ : state) {
         stage.begin(parts.material.next(parts.geometry.block));
         stage.finish();
-        synthesis.begin(pointers);
+        synthesis.begin();
+        synthesis.render(0, parts.geometry.block, pointers);
+        synthesis.synthesiseWaiting();
         synthesis.finish();
     }
 }

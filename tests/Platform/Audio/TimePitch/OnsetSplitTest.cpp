@@ -103,7 +103,7 @@ TEST(OnsetGateTest, NothingIsHeardBeforeTheFadeAndAllAfterTheOnset)
     float* in = samples.data();
     float* out = output.data();
     float limit = 1;
-    gate.process(4096, onset, span, detector, limit, {&in, 1}, {&out, 1});
+    gate.process({4096, 0, 512}, onset, span, detector, limit, {&in, 1}, {&out, 1});
     for (std::size_t i = 0; i < 512; ++i) {
         if (i < 300 - static_cast<std::size_t>(gate.fadeFrames())) {
             EXPECT_EQ(output[i], 0) << i;
@@ -127,7 +127,7 @@ TEST(OnsetGateTest, PowerIsLimitedToTenTimesTheInput)
     float* in = samples.data();
     float* out = output.data();
     float limit = 1;
-    gate.process(8192, 8000, {.firstFrame = 0}, silent, limit, {&in, 1}, {&out, 1});
+    gate.process({8192, 0, 512}, 8000, {.firstFrame = 0}, silent, limit, {&in, 1}, {&out, 1});
     EXPECT_LT(limit, 1e-4F) << "the input is silent: the ring must go";
     EXPECT_LT(std::abs(output[511]), 1e-4F);
 }

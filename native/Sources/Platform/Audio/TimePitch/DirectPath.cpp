@@ -9,8 +9,7 @@
 namespace tonvale::timepitch {
 
 DirectPath::DirectPath(int block, unsigned channelCount)
-    : block_(block)
-    , channelCount_(channelCount)
+    : channelCount_(channelCount)
     , fadeIn_(block)
 {
     for (int i = 0; i < block; ++i) {
@@ -20,29 +19,34 @@ DirectPath::DirectPath(int block, unsigned channelCount)
 
 void DirectPath::reset(bool isOpen) noexcept
 {
-    isOpen_ = isOpen;
+    wasOpen_ = isOpen_ = isOpen;
 }
 
-void DirectPath::process(const InputHistory& input, Frames position, bool wanted,
-                         std::span<float* const> output) noexcept
+void DirectPath::begin(bool wanted) noexcept
 {
-    if (!isOpen_ && !wanted) {
+    wasOpen_ = isOpen_;
+    isOpen_ = wanted;
+}
+
+void DirectPath::process(const InputHistory& input, const BlockPart& part,
+                         std::span<float* const> output) const noexcept
+{
+    if (!wasOpen_ && !isOpen_) {
         return;
     }
     for (unsigned channel = 0; channel < channelCount_; ++channel) {
-        const float* direct = input.at(channel, position);
-        float* out = output[channel];
-        if (isOpen_ && wanted) {
-            std::copy_n(direct, block_, out);
+        const float* direct = input.at(channel, part.position());
+        float* out = output[channel] + part.begin;
+        if (wasOpen_ && isOpen_) {
+            std::copy_n(direct, part.size(), out);
             continue;
         }
-        const float* first = isOpen_ ? direct : out;
-        const float* second = isOpen_ ? out : direct;
-        for (int i = 0; i < block_; ++i) {
-            out[i] = first[i] + fadeIn_[i] * (second[i] - first[i]);
+        const float* first = wasOpen_ ? direct : out;
+        const float* second = wasOpen_ ? out : direct;
+        for (int i = 0; i < part.size(); ++i) {
+            out[i] = first[i] + fadeIn_[part.begin + i] * (second[i] - first[i]);
         }
     }
-    isOpen_ = wanted;
 }
 
 }  // namespace tonvale::timepitch

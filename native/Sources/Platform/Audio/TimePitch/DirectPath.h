@@ -5,6 +5,7 @@
 #pragma once
 
 #include "Platform/Audio/TimePitch/Array.h"
+#include "Platform/Audio/TimePitch/Geometry.h"
 #include "Platform/Audio/TimePitch/InputHistory.h"
 
 #include <span>
@@ -21,15 +22,18 @@ public:
     DirectPath(int block, unsigned channelCount);
 
     void reset(bool isOpen) noexcept;
-    /// Replaces the engine's block by the input of that time, from `position` on, or by a crossfade
-    /// when `wanted` changes.
-    void process(const InputHistory& input, Frames position, bool wanted,
-                 std::span<float* const> output) noexcept;
+    /// Decides for the next block whether the input is to be heard.
+    void begin(bool wanted) noexcept;
+    /// Replaces a piece of the block by the input of that time, or by a crossfade where the
+    /// decision has changed.
+    /// @param output  the whole block
+    void process(const InputHistory& input, const BlockPart& part,
+                 std::span<float* const> output) const noexcept;
 
 private:
-    int block_;
     unsigned channelCount_;
     Array<float> fadeIn_;
+    bool wasOpen_ = true;
     bool isOpen_ = true;
 };
 

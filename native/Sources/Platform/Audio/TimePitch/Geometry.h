@@ -54,6 +54,19 @@ struct Geometry {
     [[nodiscard]] int latency() const noexcept { return lookAhead + tail; }
 };
 
+/// A piece of one of the engine's blocks: frames [begin, end) of the block that starts at `block`.
+struct BlockPart {
+    /// Blocks are cut at whole eighths only.
+    static constexpr int perBlock = 8;
+
+    Frames block = 0;
+    int begin = 0;
+    int end = 0;
+
+    [[nodiscard]] Frames position() const noexcept { return block + begin; }
+    [[nodiscard]] int size() const noexcept { return end - begin; }
+};
+
 /// The sizes at `sampleRate` (Hz): those measured best at 44.1 kHz, times the nearest of
 /// 1, 1.5, 2, 3, 4, 6 ... (or their inverses), so that times stay within a quarter of the design
 /// and the FFTs keep small factors. Layers whose band lies above Nyquist are left out.

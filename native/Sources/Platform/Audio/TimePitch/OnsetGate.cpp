@@ -28,19 +28,20 @@ OnsetGate::OnsetGate(const LayerGeometry& layer, const SpanGain& spanGain, int b
 {
 }
 
-void OnsetGate::process(Frames position, Frames onset, const AudibleSpan& span,
+void OnsetGate::process(const BlockPart& part, Frames onset, const AudibleSpan& span,
                         const OnsetDetector& envelope, float& limit,
                         std::span<float* const> samples, std::span<float* const> output) noexcept
 {
+    const Frames position = part.position();
     const Frames opening = std::max<Frames>(0, onset - fade_ - position);
-    if (opening >= block_) {
+    if (opening >= part.size()) {
         return;
     }
-    computeGate(position, onset, span, block_);
-    const int part = block_ / partsPerBlock;
-    for (int first = 0; first < block_; first += part) {
+    computeGate(part, onset, span);
+    const int step = block_ / BlockPart::perBlock;
+    for (int first = 0; first < part.size(); first += step) {
         const int begin = std::max(first, static_cast<int>(opening));
-        const int end = first + part;
+        const int end = first + step;
         if (begin >= end) {
             continue;
         }
@@ -54,19 +55,20 @@ void OnsetGate::process(Frames position, Frames onset, const AudibleSpan& span,
         const float target = limitFor(position + begin, position + end, energy, envelope);
         const float slope = (target - limit) / static_cast<float>(end - begin);
         for (std::size_t channel = 0; channel < samples.size(); ++channel) {
+            float* out = output[channel] + part.begin;
             for (int i = begin; i < end; ++i) {
-                output[channel][i] +=
-                    samples[channel][i] * (limit + slope * static_cast<float>(i - begin + 1));
+                out[i] += samples[channel][i] * (limit + slope * static_cast<float>(i - begin + 1));
             }
         }
         limit = target;
     }
 }
 
-void OnsetGate::computeGate(Frames position, Frames onset, const AudibleSpan& span,
-                            int count) noexcept
+void OnsetGate::computeGate(const BlockPart& part, Frames onset, const AudibleSpan& span) noexcept
 {
-    if (position < onset + release_ || span.startsHere() || span.endsHere()) {
+    const Frames position = part.position();
+    const int count = part.size();
+    if (part.block < onset + release_ || span.startsHere() || span.endsHere()) {
         spanGain_.compute(span, position, count, gains_.data());
     } else {
         gains_.fill(1);

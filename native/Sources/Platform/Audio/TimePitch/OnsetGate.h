@@ -26,12 +26,12 @@ class OnsetGate {
 public:
     OnsetGate(const LayerGeometry& layer, const SpanGain& spanGain, int block);
 
-    /// Applies gate, cover and limit to one block of the new part and adds it to the output.
-    /// @param position  of the first frame of the block
+    /// Applies gate, cover and limit to a piece of the new part and adds it to the output.
     /// @param span      of the frames that went in
     /// @param limit     the gain the limiter ended the block before with; updated
-    /// @param samples   block frames per channel; changed
-    void process(Frames position, Frames onset, const AudibleSpan& span,
+    /// @param samples   the frames of the piece, per channel; changed
+    /// @param output    the whole block
+    void process(const BlockPart& part, Frames onset, const AudibleSpan& span,
                  const OnsetDetector& envelope, float& limit, std::span<float* const> samples,
                  std::span<float* const> output) noexcept;
 
@@ -39,9 +39,7 @@ public:
     [[nodiscard]] Frames fadeFrames() const noexcept { return fade_; }
 
 private:
-    static constexpr int partsPerBlock = 8;
-
-    void computeGate(Frames position, Frames onset, const AudibleSpan& span, int count) noexcept;
+    void computeGate(const BlockPart& part, Frames onset, const AudibleSpan& span) noexcept;
     [[nodiscard]] float limitFor(Frames from, Frames to, float energy,
                                  const OnsetDetector& envelope) const noexcept;
 

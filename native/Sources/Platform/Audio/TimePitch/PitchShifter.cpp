@@ -63,9 +63,10 @@ public:
     [[nodiscard]] const Geometry& geometry() const noexcept { return geometry_; }
 
 private:
-    static constexpr int stepCount = 4;  ///< what is left of a block's work after beginBlock()
+    static constexpr int stepCount = 5;  ///< what is left of a block's work after beginBlock()
 
     void beginBlock() noexcept;
+    void renderUntil(int end) noexcept;
     void continueBlock() noexcept;
     void doStep(int step) noexcept;
 
@@ -80,6 +81,7 @@ private:
     std::vector<float*> finishedPointers_;
     int filled_ = 0;  ///< how much of the block was taken, and of finished_ given away
     float cents_ = 0;
+    int rendered_ = 0;                      ///< how much of the block of output was made
     std::int64_t blocks_ = 0;               ///< begun since the last reset
     int nextStep_ = stepCount;              ///< of the last block
     std::optional<AnalysisThread> thread_;  // last: it must end before what it uses
@@ -98,6 +100,7 @@ PitchShifter::Engine::Engine(const Configuration& configuration)
     for (unsigned channel = 0; channel < configuration.channelCount; ++channel) {
         finishedPointers_.push_back(finished_.emplace_back(geometry_.block).data());
     }
+    rendered_ = geometry_.block;  // silence comes out first
     if (configuration.workerThreads > 0) {
         thread_.emplace(analysis_, configuration.channelCount, geometry_.block);
     }
@@ -118,6 +121,7 @@ void PitchShifter::Engine::reset() noexcept
         channel.clear();
     }
     blocks_ = 0;
+    rendered_ = geometry_.block;
     nextStep_ = stepCount;
 }
 
@@ -150,6 +154,7 @@ void PitchShifter::Engine::process(std::span<const float* const> in, std::span<f
         if (!thread_) {
             assembler_.push(in, done, taken);
         }
+        renderUntil(filled_ + static_cast<int>(taken));
         for (std::size_t channel = 0; channel < out.size(); ++channel) {
             std::copy_n(finishedPointers_[channel] + filled_, taken, out[channel] + done);
         }
@@ -175,15 +180,31 @@ void PitchShifter::Engine::beginBlock() noexcept
         analysis_.begin(assembler_.channels());
         assembler_.startNext();
     }
-    synthesis_.begin(finishedPointers_);
-    direct_.process(analysis_.input().whole(), blocks_ * geometry_.block - geometry_.latency(),
-                    synthesis_.isNeutral(), finishedPointers_);
+    synthesis_.begin();
+    direct_.begin(synthesis_.isNeutral());
+    rendered_ = 0;
     if (thread_) {
+        renderUntil(geometry_.block);
+        synthesis_.synthesiseWaiting();
         synthesis_.finish();
         thread_->release(blocks_);
     } else {
         nextStep_ = 0;
     }
+}
+
+// Rendered when it is asked for, in whole eighths of a block.
+void PitchShifter::Engine::renderUntil(int end) noexcept
+{
+    if (end <= rendered_) {
+        return;
+    }
+    const int step = geometry_.block / BlockPart::perBlock;
+    const int rounded = (end + step - 1) / step * step;
+    synthesis_.render(rendered_, rounded, finishedPointers_);
+    direct_.process(analysis_.input().whole(), synthesis_.part(rendered_, rounded),
+                    finishedPointers_);
+    rendered_ = rounded;
 }
 
 // What can wait is done at fixed places of the next block, so that a caller of small blocks does
@@ -204,9 +225,12 @@ void PitchShifter::Engine::doStep(int step) noexcept
         analysis_.finish();
         break;
     case 1:
-        synthesis_.beginFinish();
+        synthesis_.cutWaiting();
         break;
     case 2:
+        synthesis_.synthesiseWaiting();
+        break;
+    case 3:
         synthesis_.finish();
         break;
     default:

@@ -134,7 +134,12 @@ void SynthesisLayer::synthesise(const FrameHistory& frames, const Settings& sett
 
     parts_.makeSustained(frame, source_);
     synthesisePart(frame, true, *prepared_.sustained);
+}
+
+void SynthesisLayer::synthesiseHit(const FrameHistory& frames) noexcept
+{
     if (prepared_.newPart != nullptr) {
+        const SpectrumFrame& frame = frames.at(prepared_.number);
         parts_.makeHit(frame, source_);
         synthesisePart(frame, false, *prepared_.newPart);
     }
@@ -197,16 +202,16 @@ void SynthesisLayer::addFrame(OverlapRing& ring, unsigned channel, Frames refere
              samples + first - centre, window + wrapped, fft_.size() - first);
 }
 
-bool SynthesisLayer::isAlive(const Voice& voice, Frames position) const noexcept
+bool SynthesisLayer::isAlive(const Voice& voice, Frames block) const noexcept
 {
-    return voice.lastWritten + design_.geometry.release > position - 2 * block_;
+    return voice.lastWritten + design_.geometry.release > block - 2 * block_;
 }
 
-void SynthesisLayer::interpolate(const Voice& voice, Frames position) noexcept
+void SynthesisLayer::interpolate(const Voice& voice, const BlockPart& part) noexcept
 {
-    const int count = block_ / design_.geometry.decimation;
-    const std::int64_t start =
-        position / design_.geometry.decimation - interpolator_.samplesBefore();
+    const int decimation = design_.geometry.decimation;
+    const int count = part.size() / decimation;
+    const std::int64_t start = part.position() / decimation - interpolator_.samplesBefore();
     const int needed = count + interpolator_.samplesBefore() + interpolator_.samplesAfter();
     for (unsigned channel = 0; channel < channelCount_; ++channel) {
         voice.ring.read(channel, start, needed, lowRate_.data());
@@ -214,57 +219,64 @@ void SynthesisLayer::interpolate(const Voice& voice, Frames position) noexcept
     }
 }
 
-void SynthesisLayer::render(Frames position, const OnsetList& onsets, const OnsetDetector& envelope,
-                            std::span<float* const> output) noexcept
+void SynthesisLayer::render(const BlockPart& part, const OnsetList& onsets,
+                            const OnsetDetector& envelope, std::span<float* const> output) noexcept
 {
+    const auto eraseBefore = [&](Voice& voice) {
+        if (part.end == block_) {
+            voice.ring.erase(part.block - block_, block_);
+        }
+    };
     for (Voice& voice : pitchVoices_) {
-        if (isAlive(voice, position)) {
-            renderPitch(voice, position, output);
-            voice.ring.erase(position - block_, block_);
+        if (isAlive(voice, part.block)) {
+            renderPitch(voice, part, output);
+            eraseBefore(voice);
         }
     }
     for (Voice& voice : onsetVoices_) {
-        if (isAlive(voice, position)) {
-            renderOnset(voice, position, onsets, envelope, output);
-            voice.ring.erase(position - block_, block_);
+        if (isAlive(voice, part.block)) {
+            renderOnset(voice, part, onsets, envelope, output);
+            eraseBefore(voice);
         }
     }
 }
 
-void SynthesisLayer::renderPitch(Voice& voice, Frames position,
+// What is decided about a voice is decided for the whole block, so that rounding does not depend on
+// how it is cut.
+void SynthesisLayer::renderPitch(Voice& voice, const BlockPart& part,
                                  std::span<float* const> output) noexcept
 {
-    if (spanGain_.isSilent(voice.span, position, block_)) {
+    if (spanGain_.isSilent(voice.span, part.block, block_)) {
         return;
     }
-    interpolate(voice, position);
-    const bool plain = spanGain_.isPlain(voice.span, position, block_);
+    interpolate(voice, part);
+    const bool plain = spanGain_.isPlain(voice.span, part.block, block_);
     if (!plain) {
-        spanGain_.compute(voice.span, position, block_, gains_.data());
+        spanGain_.compute(voice.span, part.position(), part.size(), gains_.data());
     }
     for (unsigned channel = 0; channel < channelCount_; ++channel) {
+        float* out = output[channel] + part.begin;
         if (plain) {
-            kernels::add(fullRatePointers_[channel], block_, output[channel]);
+            kernels::add(fullRatePointers_[channel], part.size(), out);
         } else {
-            kernels::multiplyAdd(fullRatePointers_[channel], gains_.data(), block_,
-                                 output[channel]);
+            kernels::multiplyAdd(fullRatePointers_[channel], gains_.data(), part.size(), out);
         }
     }
 }
 
-void SynthesisLayer::renderOnset(Voice& voice, Frames position, const OnsetList& onsets,
+void SynthesisLayer::renderOnset(Voice& voice, const BlockPart& part, const OnsetList& onsets,
                                  const OnsetDetector& envelope,
                                  std::span<float* const> output) noexcept
 {
     const auto* onset = std::find_if(onsets.begin(), onsets.end(), [&](const Onset& candidate) {
         return candidate.number == voice.onset && candidate.isIn(design_.geometry.index);
     });
-    if (onset == onsets.end() || onset->position - gate_.fadeFrames() >= position + block_
-        || spanGain_.isSilent(voice.span, position, block_)) {
+    if (onset == onsets.end() || onset->position - gate_.fadeFrames() >= part.block + part.end
+        || spanGain_.isSilent(voice.span, part.block, block_)) {
         return;
     }
-    interpolate(voice, position);
-    gate_.process(position, onset->position, voice.span, envelope, voice.limit, fullRatePointers_,
+    interpolate(voice, part);
+    gate_.process(part, onset->position, voice.span, envelope, voice.limit, fullRatePointers_,
                   output);
 }
 

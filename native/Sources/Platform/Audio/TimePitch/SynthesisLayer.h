@@ -63,11 +63,15 @@ public:
     {
         parts_.cut(prepared_.number, prepared_.onsets, input);
     }
-    /// Synthesises the frame that was prepared; it may be rendered before, if it is not yet heard.
+    /// Synthesises the frame that was prepared, all but what is new to its onset; it may be
+    /// rendered before, if it is not yet heard.
     void synthesise(const FrameHistory& frames, const Settings& settings) noexcept;
+    /// The rest of it.
+    void synthesiseHit(const FrameHistory& frames) noexcept;
 
-    /// Adds the block at `position` to `output` and frees the memory of the block before it.
-    void render(Frames position, const OnsetList& onsets, const OnsetDetector& envelope,
+    /// Adds the next piece of a block to `output` (of the whole block); with its end, frees the
+    /// memory of the block before it.
+    void render(const BlockPart& part, const OnsetList& onsets, const OnsetDetector& envelope,
                 std::span<float* const> output) noexcept;
 
     [[nodiscard]] PhaseTracker& phases() noexcept { return phases_; }
@@ -101,10 +105,10 @@ private:
     void synthesisePart(const SpectrumFrame& frame, bool isSustained, Voice& voice) noexcept;
     void carryDc(const SpectrumFrame& frame) noexcept;
     void addFrame(OverlapRing& ring, unsigned channel, Frames reference) noexcept;
-    void interpolate(const Voice& voice, Frames position) noexcept;
-    [[nodiscard]] bool isAlive(const Voice& voice, Frames position) const noexcept;
-    void renderPitch(Voice& voice, Frames position, std::span<float* const> output) noexcept;
-    void renderOnset(Voice& voice, Frames position, const OnsetList& onsets,
+    void interpolate(const Voice& voice, const BlockPart& part) noexcept;
+    [[nodiscard]] bool isAlive(const Voice& voice, Frames block) const noexcept;
+    void renderPitch(Voice& voice, const BlockPart& part, std::span<float* const> output) noexcept;
+    void renderOnset(Voice& voice, const BlockPart& part, const OnsetList& onsets,
                      const OnsetDetector& envelope, std::span<float* const> output) noexcept;
 
     const LayerDesign& design_;

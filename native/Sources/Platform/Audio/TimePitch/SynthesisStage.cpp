@@ -48,7 +48,7 @@ void SynthesisStage::reset(double ratio) noexcept
     }
 }
 
-void SynthesisStage::begin(std::span<float* const> output) noexcept
+void SynthesisStage::begin() noexcept
 {
     ++block_;
     inputEnd_ += geometry_.block;
@@ -58,16 +58,20 @@ void SynthesisStage::begin(std::span<float* const> output) noexcept
     chooseLowBand(reference);
     prepareLayers(reference);
     synthesise(reference, false);
-    const Frames position = reference - geometry_.tail;
+    synthesiseHits(reference, false);
+}
+
+void SynthesisStage::render(int begin, int end, std::span<float* const> output) noexcept
+{
     for (float* channel : output) {
-        std::fill_n(channel, geometry_.block, 0.0F);
+        std::fill(channel + begin, channel + end, 0.0F);
     }
     for (const std::unique_ptr<SynthesisLayer>& layer : layers_) {
-        layer->render(position, onsets(), analysis_.detector(), output);
+        layer->render(part(begin, end), onsets(), analysis_.detector(), output);
     }
 }
 
-void SynthesisStage::beginFinish() noexcept
+void SynthesisStage::cutWaiting() noexcept
 {
     const Frames reference = inputEnd_ - geometry_.lookAhead;
     for (std::size_t index = 0; index < layers_.size(); ++index) {
@@ -78,10 +82,14 @@ void SynthesisStage::beginFinish() noexcept
     }
 }
 
+void SynthesisStage::synthesiseWaiting() noexcept
+{
+    synthesise(inputEnd_ - geometry_.lookAhead, true);
+}
+
 void SynthesisStage::finish() noexcept
 {
-    const Frames reference = inputEnd_ - geometry_.lookAhead;
-    synthesise(reference, true);
+    synthesiseHits(inputEnd_ - geometry_.lookAhead, true);
 }
 
 void SynthesisStage::anticipate() noexcept
@@ -148,6 +156,16 @@ void SynthesisStage::synthesise(Frames reference, bool waiting) noexcept
         const LayerGeometry& layer = geometry_.layers[index];
         if (geometry_.canWait(layer) == waiting && reference % layer.hop == 0) {
             synthesiseLayer(index);
+        }
+    }
+}
+
+void SynthesisStage::synthesiseHits(Frames reference, bool waiting) noexcept
+{
+    for (std::size_t index = 0; index < layers_.size(); ++index) {
+        const LayerGeometry& layer = geometry_.layers[index];
+        if (geometry_.canWait(layer) == waiting && reference % layer.hop == 0) {
+            layers_[index]->synthesiseHit(analysis_.frames(index));
         }
     }
 }

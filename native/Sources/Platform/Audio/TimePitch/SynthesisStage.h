@@ -30,13 +30,24 @@ public:
     /// Wants another ratio; taken over at the next reference that all layers share.
     void setRatio(double ratio) noexcept { wantedRatio_ = ratio; }
 
-    /// Takes the next block that the analysis has done and makes the next block of output,
-    /// geometry.latency() frames older than the input's end. Layers that can wait have their new
-    /// frame prepared only.
-    void begin(std::span<float* const> output) noexcept;
-    /// A first part of finish() that may be done before it.
-    void beginFinish() noexcept;
-    /// The rest of the block's work, at any time before the next begin().
+    /// Takes the next block that the analysis has done; the block of output, geometry.latency()
+    /// frames older than the input's end, is then ready to be rendered. Layers that can wait have
+    /// their new frame prepared only.
+    void begin() noexcept;
+    /// Makes frames [begin, end) of the block; from its beginning to its end before the next
+    /// begin(), however it is cut (BlockPart).
+    /// @param output  the whole block
+    void render(int begin, int end, std::span<float* const> output) noexcept;
+    /// The next block to be rendered to or being rendered.
+    [[nodiscard]] BlockPart part(int begin, int end) const noexcept
+    {
+        return {inputEnd_ - geometry_.latency(), begin, end};
+    }
+
+    /// The rest of the block's work in three steps, in this order, before the next begin(). The
+    /// first one may be left out.
+    void cutWaiting() noexcept;
+    void synthesiseWaiting() noexcept;
     void finish() noexcept;
 
     /// Work that the next begin() will need, at any time after finish(); changes no result.
@@ -54,6 +65,7 @@ private:
     void chooseLowBand(Frames reference) noexcept;
     void prepareLayers(Frames reference) noexcept;
     void synthesise(Frames reference, bool waiting) noexcept;
+    void synthesiseHits(Frames reference, bool waiting) noexcept;
     void synthesiseLayer(std::size_t index) noexcept;
     [[nodiscard]] const OnsetList& onsets() const noexcept { return analysis_.onsets(block_); }
     void countNeutralFrames() noexcept;
