@@ -30,6 +30,7 @@ PeakTracker::PeakTracker(const LayerDesign& design, unsigned channelCount)
     , largestDeviation_(advanceLimit(design.geometry))
     , flags_(design.binCount + 2 * flagsPerWord)
     , halfBinAdvance_(2 * design.binCount)
+    , wrappedAdvance_(2 * design.binCount)
     , sourceOf_(design.binCount)
     , advanceTo_(design.binCount)
     , target_(design.binCount)
@@ -38,7 +39,9 @@ PeakTracker::PeakTracker(const LayerDesign& design, unsigned channelCount)
     , angle_(design.binCount + kernels::overrun)
 {
     for (int sum = 0; sum < halfBinAdvance_.size(); ++sum) {
-        halfBinAdvance_[sum] = static_cast<float>(wrapPhase(design.expectedAdvance(sum / 2.0)));
+        const double expected = design.expectedAdvance(sum / 2.0);
+        halfBinAdvance_[sum] = static_cast<float>(expected);
+        wrappedAdvance_[sum] = static_cast<float>(wrapPhase(expected));
     }
 }
 
@@ -87,13 +90,16 @@ void PeakTracker::findRegions(SpectrumFrame& frame) const noexcept
     }
     for (std::size_t index = 0; index + 1 < frame.peaks.size(); ++index) {
         SpectralPeak& peak = frame.peaks[index];
-        const float* valley = power.data() + peak.bin;
-        const float* const next = power.data() + frame.peaks[index + 1].bin;
-        for (const float* bin = valley + 1; bin < next; ++bin) {
-            valley = *bin < *valley ? bin : valley;
+        const int next = frame.peaks[index + 1].bin;
+        int valley = peak.bin;
+        float least = power[valley];
+        for (int bin = valley + 1; bin < next; ++bin) {
+            const bool isLess = power[bin] < least;
+            valley = isLess ? bin : valley;
+            least = isLess ? power[bin] : least;
         }
-        peak.regionEnd = static_cast<int>(valley - power.data()) + 1;
-        peak.valley = *valley;
+        peak.regionEnd = valley + 1;
+        peak.valley = least;
     }
     frame.peaks.back().regionEnd = design_.binCount;
     if (design_.carriesDc()) {
@@ -160,11 +166,11 @@ float PeakTracker::advance(int slot, int binSum, int ownBin) const noexcept
     // Both terms lie in [-pi, pi], so one turn is enough to bring the difference there.
     constexpr auto turn = static_cast<float>(twoPi);
     constexpr auto half = static_cast<float>(pi);
-    float deviation = angle_[slot] - halfBinAdvance_[binSum];
+    float deviation = angle_[slot] - wrappedAdvance_[binSum];
     deviation = deviation > half ? deviation - turn : deviation;
     deviation = deviation < -half ? deviation + turn : deviation;
-    const auto path = static_cast<float>(design_.expectedAdvance(binSum / 2.0));
-    const auto own = static_cast<float>(design_.expectedAdvance(ownBin));
+    const float path = halfBinAdvance_[binSum];
+    const float own = halfBinAdvance_[2 * ownBin];
     return std::clamp(path + deviation, own - largestDeviation_, own + largestDeviation_);
 }
 

@@ -47,7 +47,8 @@ private:
     unsigned channelCount_;
     float largestDeviation_;
     Array<std::uint8_t> flags_;
-    Array<float> halfBinAdvance_;  ///< by the sum of two stored bins, wrapped to one turn
+    Array<float> halfBinAdvance_;  ///< expected advance by the sum of two stored bins, radians
+    Array<float> wrappedAdvance_;  ///< the same, wrapped to one turn
     Array<int> sourceOf_;          ///< by bin: which bin of the frame before climbed here, -1 none
     Array<float> advanceTo_;       ///< by bin: the advance measured on the way
     Array<int> target_;            ///< by peak: the bin it climbed to

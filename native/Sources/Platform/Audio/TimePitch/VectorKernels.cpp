@@ -75,6 +75,37 @@ void sanitise(const float* __restrict in, int count, float* __restrict out) noex
     }
 }
 
+namespace {
+
+using Indices = int __attribute__((vector_size(lanes * sizeof(int))));
+
+/// Complex numbers next to each other in memory, real and imaginary parts apart.
+struct ComplexVector {
+    Vector real;
+    Vector imaginary;
+};
+
+inline __attribute__((always_inline)) ComplexVector takeApart(const float* z)
+{
+    const Vector first = *asVector(z);
+    const Vector second = *asVector(z + lanes);
+    return {__builtin_shuffle(first, second, Indices{0, 2, 4, 6, 8, 10, 12, 14}),
+            __builtin_shuffle(first, second, Indices{1, 3, 5, 7, 9, 11, 13, 15})};
+}
+
+/// The same, the last one first.
+inline __attribute__((always_inline)) ComplexVector takeApartBackwards(const float* z)
+{
+    const Vector first = *asVector(z);
+    const Vector second = *asVector(z + lanes);
+    return {__builtin_shuffle(first, second, Indices{14, 12, 10, 8, 6, 4, 2, 0}),
+            __builtin_shuffle(first, second, Indices{15, 13, 11, 9, 7, 5, 3, 1})};
+}
+
+}  // namespace
+
+// The compiler has no vectors for numbers taken backwards in pairs, so whole vectors are written
+// out.
 TONVALE_VECTOR_CLONES
 void separateReal(const float* __restrict z, int half, const float* __restrict cosines,
                   const float* __restrict sines, int first, int count, float* __restrict real,
@@ -82,7 +113,19 @@ void separateReal(const float* __restrict z, int half, const float* __restrict c
 {
     const float* __restrict up = z + 2 * first;
     const float* __restrict down = z + 2 * (half - first);
-    for (int i = 0; i < count; ++i) {
+    int i = 0;
+    for (; i + lanes <= count; i += lanes) {
+        const auto [a, b] = takeApart(up + 2 * i);
+        const auto [c, d] = takeApartBackwards(down - 2 * (i + lanes - 1));
+        const Vector cosine = *asVector(cosines + first + i);
+        const Vector sine = *asVector(sines + first + i);
+        const Vector re = 0.5F * ((a + c) + ((b + d) * cosine - (a - c) * sine));
+        const Vector im = 0.5F * ((b - d) - ((a - c) * cosine + (b + d) * sine));
+        *asVector(real + i) = re;
+        *asVector(imaginary + i) = im;
+        *asVector(power + i) += re * re + im * im;
+    }
+    for (; i < count; ++i) {
         const float a = up[2 * i];
         const float b = up[2 * i + 1];
         const float c = down[-2 * i];
