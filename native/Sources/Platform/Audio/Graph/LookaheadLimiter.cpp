@@ -5,7 +5,9 @@
 #include "Platform/Audio/Graph/LookaheadLimiter.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
+#include <cstdint>
 #include <functional>
 #include <utility>
 
@@ -18,22 +20,26 @@ constexpr double releaseSeconds = 0.3;      // from silence to full level: 3 dB 
 constexpr float ceiling =
     32766.0F / 32768.0F;  // a 16-bit step under the largest sample: meters call that one clipped
 
-float peakOf(std::span<const float> samples) noexcept
+/// Whether a sample exceeds full scale (or is none at all). Magnitudes are compared as whole
+/// numbers, which have the same order: the compiler then looks at several at once.
+bool exceedsFullScale(std::span<const float> samples) noexcept
 {
-    float peak = 0.0F;
+    constexpr std::int32_t magnitudeBits = 0x7FFFFFFF;
+    std::int32_t peak = 0;
     for (const float sample : samples) {
-        peak = std::max(peak, std::abs(sample));
+        peak = std::max(peak, std::bit_cast<std::int32_t>(sample) & magnitudeBits);
     }
-    return peak;
+    return peak > std::bit_cast<std::int32_t>(1.0F);
 }
 
-float peakOf(const AudioPCMBuffer& buffer) noexcept
+bool exceedsFullScale(const AudioPCMBuffer& buffer) noexcept
 {
-    float peak = 0.0F;
     for (std::uint32_t channel = 0; channel < buffer.format().channelCount; ++channel) {
-        peak = std::max(peak, peakOf(buffer.channel(channel).first(buffer.frameLength())));
+        if (exceedsFullScale(buffer.channel(channel).first(buffer.frameLength()))) {
+            return true;
+        }
     }
-    return peak;
+    return false;
 }
 
 float gainFor(float peak) noexcept
@@ -76,7 +82,7 @@ void LookaheadLimiter::reset() noexcept
 
 void LookaheadLimiter::process(AudioPCMBuffer& buffer) noexcept
 {
-    const bool isUntouched = isAtRest() && peakOf(buffer) <= 1.0F;
+    const bool isUntouched = isAtRest() && !exceedsFullScale(buffer);
     if (isUntouched) {
         hold_.pass(buffer.frameLength());
     } else {
