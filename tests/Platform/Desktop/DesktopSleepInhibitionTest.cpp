@@ -128,6 +128,17 @@ TEST_F(DesktopSleep, ComesAgainWhenTheInhibitionIsDestroyed)
     EXPECT_TRUE(becomes(manager, 0));
 }
 
+TEST_F(DesktopSleep, ComesAgainAlsoWhenTheInhibitionIsDestroyedBeforeTheAnswer)
+{
+    FakeSleepService manager(FakeSleepService::powerManager, FakeSleepService::hesitates);
+    sleep->setWanted(true);
+    ASSERT_TRUE(spinUntil([&] { return manager.calls().size() == 1; }));
+    sleep.reset();
+    manager.grantAtLast();
+    EXPECT_EQ(manager.held(), 1);
+    EXPECT_TRUE(becomes(manager, 0));
+}
+
 TEST_F(DesktopSleep, IsInhibitedAnewAtEachTime)
 {
     const FakeSleepService manager(FakeSleepService::powerManager);

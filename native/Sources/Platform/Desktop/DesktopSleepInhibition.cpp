@@ -7,6 +7,7 @@
 #include <QCoreApplication>
 #include <QDBusObjectPath>
 #include <QDBusPendingCallWatcher>
+#include <QPointer>
 #include <QVariantMap>
 
 #include <array>
@@ -122,17 +123,22 @@ void DesktopSleepInhibition::ask(std::size_t service)
     }
     isAsking_ = true;
     const auto question = service == powerManager ? powerManagerQuestion() : portalQuestion();
-    auto* watcher = new QDBusPendingCallWatcher(bus_.asyncCall(question, noTimeLimit), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this,
-            [this, service](QDBusPendingCallWatcher* answered) {
-                isAsking_ = false;
-                takeAnswer(service, answered->reply());
+    // It outlives us: what is granted after our time has to be given back, too.
+    auto* watcher = new QDBusPendingCallWatcher(bus_.asyncCall(question, noTimeLimit));
+    connect(watcher, &QDBusPendingCallWatcher::finished, watcher,
+            [self = QPointer(this), bus = bus_, service](QDBusPendingCallWatcher* answered) {
+                if (self) {
+                    self->takeAnswer(service, answered->reply());
+                } else if (const auto release = releaseOf(answered->reply())) {
+                    bus.send(*release);
+                }
                 answered->deleteLater();
             });
 }
 
 void DesktopSleepInhibition::takeAnswer(std::size_t service, const QDBusMessage& answer)
 {
+    isAsking_ = false;
     release_ = releaseOf(answer);
     if (!isWanted_) {
         giveBack();
