@@ -16,7 +16,7 @@ from desktop import Desktop
 from dragging import DragSource, links
 from hands import Hands
 from processes import wait_until
-from sound import cents
+from sound import Recorder, cents
 
 PROGRAM = "TONVALE"  # the environment variable that says where the program is
 PITCH_CENTS = 3.0  # a listener hears five; the way through engine, server and measurement takes less than one
@@ -36,7 +36,6 @@ class WindowTestCase(unittest.TestCase):
         cls.addClassCleanup(cls.desktop.close)
         cls.installation = Installation(cls.desktop.folder / "installation", Path(os.environ[PROGRAM]))
         cls.hands = Hands(cls.desktop.environment)
-        cls.recorder = cls.desktop.recorder
         cls.screen = cls.desktop.screen
         cls._drag_source: DragSource | None = None
 
@@ -120,6 +119,10 @@ class WindowTestCase(unittest.TestCase):
         self.choose_key("New key", new)
 
     # Sound
+
+    @property
+    def recorder(self) -> Recorder:
+        return self.desktop.recorder
 
     def assert_hears(self, hz: float) -> None:
         """Waits until a pitch is heard, and nothing else, for most of a second."""

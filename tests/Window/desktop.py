@@ -61,7 +61,7 @@ class Desktop:
     def _start(self) -> None:
         self._start_display()
         self._start_session_bus()
-        self._start_sound()
+        self.start_sound()
         wait_until(lambda: self.run("xdotool", "get_num_desktops").returncode == 0, "the window manager", START_SECONDS)
 
     def make_folder(self, name: str) -> Path:
@@ -103,13 +103,15 @@ class Desktop:
         self.start("dbus-daemon", "--nofork", "--nopidfile", f"--config-file={self.folder}/bus.conf")
         wait_until((self.folder / "bus").exists, "the session bus", START_SECONDS)
 
-    def _start_sound(self) -> None:
+    def start_sound(self) -> None:
+        """Starts the sound server and a recorder of what it plays."""
         socket = self.folder / "pulse"
         # The sink first: whoever finds the socket may play at once.
-        self.start("pulseaudio", "-n", "--daemonize=no", "--use-pid-file=no", "--exit-idle-time=-1", "--realtime=no",
-                   "--high-priority=no",
-                   f"--load=module-null-sink sink_name={SINK} rate={Recorder.RATE} channels=2 format=float32le",
-                   f"--load=module-native-protocol-unix socket={socket} auth-anonymous=1")
+        self._sound = self.start(
+            "pulseaudio", "-n", "--daemonize=no", "--use-pid-file=no", "--exit-idle-time=-1", "--realtime=no",
+            "--high-priority=no",
+            f"--load=module-null-sink sink_name={SINK} rate={Recorder.RATE} channels=2 format=float32le",
+            f"--load=module-native-protocol-unix socket={socket} auth-anonymous=1")
         self.environment["PULSE_SERVER"] = f"unix:{socket}"
         wait_until(socket.exists, "the sound server", START_SECONDS)
         # The monitor of a sink gives nothing at all until a stream plays.
@@ -119,3 +121,13 @@ class Desktop:
             "parec", f"--device={SINK}.monitor", "--raw", "--format=float32le", f"--rate={Recorder.RATE}",
             "--channels=1", "--latency-msec=10", stdout=subprocess.PIPE))
         self.recorder.wait_for_sound(START_SECONDS)
+
+    @property
+    def has_sound(self) -> bool:
+        return self._sound.poll() is None
+
+    def kill_sound(self) -> None:
+        """Ends the sound server as a crash does."""
+        self._sound.kill()
+        self._sound.wait()
+        (self.folder / "pulse").unlink()
