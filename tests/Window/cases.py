@@ -43,8 +43,9 @@ class WindowTestCase(unittest.TestCase):
         self.folder = self.desktop.make_folder(self.id().rpartition(".")[2])
         self.program = self.start()
 
-    def start(self) -> Application:
-        program = Application(self.desktop, self.installation, self.folder / "program", self.environment)
+    def start(self, name: str = "program") -> Application:
+        """@param name  of the folder for what it may write, new for each start"""
+        program = Application(self.desktop, self.installation, self.folder / name, self.environment)
         self.addCleanup(program.kill)
         return program
 

@@ -104,10 +104,11 @@ class Desktop:
         wait_until((self.folder / "bus").exists, "the session bus", START_SECONDS)
 
     def start_sound(self) -> None:
-        """Starts the sound server and a recorder of what it plays."""
+        """Starts the sound server and a recorder of what it plays; also anew, where it was killed."""
         socket = self.folder / "pulse"
+        socket.unlink(missing_ok=True)
         # The sink first: whoever finds the socket may play at once.
-        self._sound = self.start(
+        self.sound_server = self.start(
             "pulseaudio", "-n", "--daemonize=no", "--use-pid-file=no", "--exit-idle-time=-1", "--realtime=no",
             "--high-priority=no",
             f"--load=module-null-sink sink_name={SINK} rate={Recorder.RATE} channels=2 format=float32le",
@@ -124,10 +125,9 @@ class Desktop:
 
     @property
     def has_sound(self) -> bool:
-        return self._sound.poll() is None
+        return self.sound_server.poll() is None
 
     def kill_sound(self) -> None:
         """Ends the sound server as a crash does."""
-        self._sound.kill()
-        self._sound.wait()
-        (self.folder / "pulse").unlink()
+        self.sound_server.kill()
+        self.sound_server.wait()
