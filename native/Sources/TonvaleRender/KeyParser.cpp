@@ -4,6 +4,7 @@
 
 #include "TonvaleRender/KeyParser.h"
 
+#include "Platform/Foundation/LowerCase.h"
 #include "TonvaleRender/TerminalText.h"
 #include "TonvaleRender/UsageError.h"
 
@@ -24,15 +25,10 @@ struct Spelling {
     std::optional<bool> isMinor;
 };
 
-char lowerCase(char letter)
-{
-    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
-}
-
 bool startsWithWord(std::string_view text, std::string_view word)
 {
     return text.size() >= word.size()
-           && std::ranges::equal(text.substr(0, word.size()), word, {}, lowerCase);
+           && std::ranges::equal(text.substr(0, word.size()), word, {}, lowerCased);
 }
 
 /// Consumes `word` from the front of `text`, in any capitalisation.
@@ -80,10 +76,10 @@ int acceptAccidental(std::string_view& text)
 std::optional<int> acceptNote(std::string_view& text)
 {
     constexpr std::array<int, 7> naturals{9, 11, 0, 2, 4, 5, 7};  // a to g
-    if (text.empty() || lowerCase(text.front()) < 'a' || lowerCase(text.front()) > 'g') {
+    if (text.empty() || lowerCased(text.front()) < 'a' || lowerCased(text.front()) > 'g') {
         return std::nullopt;
     }
-    int semitones = naturals[static_cast<std::size_t>(lowerCase(text.front()) - 'a')];
+    int semitones = naturals[static_cast<std::size_t>(lowerCased(text.front()) - 'a')];
     text.remove_prefix(1);
     constexpr int mostAccidentals = 2;
     for (int count = 0; count < mostAccidentals; ++count) {
@@ -133,7 +129,7 @@ std::optional<Spelling> parseSpellings(std::string_view text)
 bool isGermanH(std::string_view text)
 {
     std::string asB(trimmed(text));
-    if (asB.empty() || lowerCase(asB.front()) != 'h') {
+    if (asB.empty() || lowerCased(asB.front()) != 'h') {
         return false;
     }
     asB.front() = 'B';

@@ -4,6 +4,7 @@
 
 #include "TonvaleRender/OutputFile.h"
 
+#include "Platform/Foundation/LowerCase.h"
 #include "Platform/Foundation/PlatformError.h"
 #include "TonvaleRender/TerminalText.h"
 
@@ -28,9 +29,7 @@ namespace {
 void checkExtension(const std::filesystem::path& output)
 {
     std::string extension = output.extension().string();
-    std::ranges::transform(extension, extension.begin(), [](char letter) {
-        return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
-    });
+    std::ranges::transform(extension, extension.begin(), lowerCased);
     constexpr std::array<std::string_view, 4> known{".wav", ".aif", ".aiff", ".caf"};
     if (std::ranges::find(known, extension) == known.end()) {
         refuse(output, "cannot be written: the name must end in .wav, .aif, .aiff or .caf.");

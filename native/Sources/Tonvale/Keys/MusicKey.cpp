@@ -4,6 +4,8 @@
 
 #include "Tonvale/Keys/MusicKey.h"
 
+#include "Platform/Foundation/LowerCase.h"
+
 #include <algorithm>
 #include <cstddef>
 
@@ -75,10 +77,7 @@ constexpr std::array<NoteSpelling, 17> noteSpellings{{
 /// enough: no character outside ASCII lower-cases to one of the letters of "minor" alone.
 bool lowerCasedEquals(std::string_view text, std::string_view word)
 {
-    const auto lowerCase = [](char letter) {
-        return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
-    };
-    return std::ranges::equal(text, word, {}, lowerCase);
+    return std::ranges::equal(text, word, {}, lowerCased);
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 
 #include "Platform/Audio/Encoding/ChannelMap.h"
 #include "Platform/Audio/Encoding/SampleConversion.h"
+#include "Platform/Foundation/LowerCase.h"
 #include "Platform/Foundation/PlatformError.h"
 #include "Platform/Foundation/Precondition.h"
 
@@ -15,7 +16,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cctype>
 #include <cerrno>
 #include <cmath>
 #include <optional>
@@ -106,9 +106,7 @@ constexpr std::int64_t bytesPerSample = 2;
 std::string lowerCasedExtension(const std::filesystem::path& url)
 {
     std::string extension = url.extension().string();
-    std::ranges::transform(extension, extension.begin(), [](unsigned char letter) {
-        return static_cast<char>(std::tolower(letter));
-    });
+    std::ranges::transform(extension, extension.begin(), lowerCased);
     return extension;
 }
 
