@@ -76,10 +76,10 @@ TEST_F(AudioFileWriting, CountsTheFramesWritten)
     AudioFile file = AudioFile::forWriting(folder.path() / "a.wav", settingsFor(44100, 2));
     EXPECT_EQ(file.length(), 0);
     const auto buffer = AudioPCMBuffer::create(file.processingFormat(), 100);
-    buffer->setFrameLength(70);
-    file.write(*buffer);
-    buffer->setFrameLength(0);
-    file.write(*buffer);
+    for (const std::uint32_t frames : {0U, 70U, 0U}) {
+        buffer->setFrameLength(frames);
+        file.write(*buffer);
+    }
     EXPECT_EQ(file.length(), 70);
 }
 

@@ -196,6 +196,9 @@ void AudioFileWriter::write(const AudioPCMBuffer& buffer)
 {
     precondition(sound_ != nullptr && buffer.format().channelCount == format_.channelCount);
     const std::uint32_t frames = buffer.frameLength();
+    if (frames == 0) {
+        return;
+    }
     refuseBeyondMaximumSize(frames);
     interleaved_.resize(std::size_t{frames} * format_.channelCount);
     for (std::uint32_t channel = 0; channel < format_.channelCount; ++channel) {
@@ -219,8 +222,9 @@ void AudioFileWriter::close()
     if (disk_->file.close() != 0) {
         disk_->remember(errno);
     }
-    if (soundError != 0 || disk_->firstError != 0) {
-        throwFailure();
+    throwDiskFailure();
+    if (soundError != 0) {
+        throw PlatformError(sf_error_number(soundError));
     }
 }
 
@@ -234,11 +238,16 @@ void AudioFileWriter::refuseBeyondMaximumSize(std::uint32_t frames) const
     }
 }
 
-void AudioFileWriter::throwFailure() const
+void AudioFileWriter::throwDiskFailure() const
 {
     if (disk_->firstError != 0) {
         throw PlatformError::fromErrno(disk_->firstError);
     }
+}
+
+void AudioFileWriter::throwFailure() const
+{
+    throwDiskFailure();
     throw PlatformError(sf_strerror(sound_.get()));
 }
 

@@ -54,7 +54,8 @@ private:
     };
 
     void refuseBeyondMaximumSize(std::uint32_t frames) const;
-    void throwFailure() const;
+    void throwDiskFailure() const;  // where there was one
+    [[noreturn]] void throwFailure() const;
 
     AudioFormat format_;
     std::int64_t maximumFileSize_;
