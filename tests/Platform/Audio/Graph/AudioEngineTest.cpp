@@ -124,6 +124,23 @@ TEST(AudioEngine, RefusesToRenderInAnotherFormatThanItsConnections)
     EXPECT_THROW(engine.enableManualRenderingMode(offline, mono, 64), PlatformError);
 }
 
+TEST(AudioEngine, ForgetsTheFormatsOfConnectionsThatAreNoMore)
+{
+    SignalNode source(ramp(10));
+    AudioEngine engine;
+    engine.attach(source);
+    engine.connect(source, engine.mainMixerNode(), AudioFormat{48000, 1});
+    engine.connect(source, engine.mainMixerNode(), mono);
+    EXPECT_NO_THROW(engine.enableManualRenderingMode(offline, mono, 64));
+    {
+        SignalNode other(ramp(10));
+        engine.attach(other);
+        engine.connect(other, engine.mainMixerNode(), AudioFormat{48000, 1});
+        EXPECT_THROW(engine.enableManualRenderingMode(offline, mono, 64), PlatformError);
+    }
+    EXPECT_NO_THROW(engine.enableManualRenderingMode(offline, mono, 64));
+}
+
 TEST(AudioEngine, TakesTheRenderingFormatWhereAConnectionNamesNone)
 {
     SignalNode source(ramp(64));

@@ -31,8 +31,9 @@ void AudioEngine::connect(AudioNode& source, AudioNode& destination,
 {
     precondition(isAttached(source) && (isAttached(destination) || &destination == &mainMixer_));
     destination.setInput(&source);
+    connectionFormats_.erase(&destination);
     if (format) {
-        connectionFormats_.push_back(*format);
+        connectionFormats_.emplace(&destination, *format);
     }
 }
 
@@ -40,7 +41,7 @@ void AudioEngine::enableManualRenderingMode(AudioEngineManualRenderingMode /*mod
                                             const AudioFormat& format,
                                             std::uint32_t maximumFrameCount)
 {
-    const auto agrees = [&format](const AudioFormat& other) { return other == format; };
+    const auto agrees = [&format](const auto& connection) { return connection.second == format; };
     if (AudioPCMBuffer::create(format, 1) == nullptr || maximumFrameCount == 0
         || !std::ranges::all_of(connectionFormats_, agrees)) {
         throw PlatformError("The audio format cannot be rendered.");
@@ -104,9 +105,11 @@ void AudioEngine::leave(AudioNode& node) noexcept
 {
     stop();
     std::erase(attachedNodes_, &node);
-    const auto forget = [&node](AudioNode& other) {
+    connectionFormats_.erase(&node);
+    const auto forget = [this, &node](AudioNode& other) {
         if (other.input() == &node) {
             other.setInput(nullptr);
+            connectionFormats_.erase(&other);
         }
     };
     forget(mainMixer_);

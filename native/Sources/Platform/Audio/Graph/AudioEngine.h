@@ -12,6 +12,7 @@
 #include "Platform/Audio/Graph/LivePlayback.h"
 
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -51,8 +52,8 @@ public:
     /// Makes `node` part of the graph; a node must be attached before it is connected.
     void attach(AudioNode& node);
 
-    /// Feeds `destination` from `source`. Without a format the engine renders in the one that
-    /// rendering was enabled with; a given format must be the same.
+    /// Feeds `destination` from `source`, and from nothing else any more. Without a format the
+    /// engine renders in the one that rendering was enabled with; a given format must be the same.
     void connect(AudioNode& source, AudioNode& destination,
                  const std::optional<AudioFormat>& format);
 
@@ -72,7 +73,7 @@ public:
 
     /// What the desktop's mixer shows for the sound; may be set before start().
     void setTitle(std::string_view title);
-    /// How often the device ran dry between two frames since the engine was first started.
+    /// How often the device ran dry between two frames since it was first started after a stop().
     [[nodiscard]] std::uint64_t underrunCount() const noexcept;
 
     /// The format of rendered buffers; manual rendering must be enabled.
@@ -102,7 +103,7 @@ private:
 
     AudioMixerNode mainMixer_;
     std::vector<AudioNode*> attachedNodes_;
-    std::vector<AudioFormat> connectionFormats_;
+    std::map<const AudioNode*, AudioFormat> connectionFormats_;  // by destination, where given
     std::optional<ManualRendering> manualRendering_;
     std::int64_t sampleTime_ = 0;
     bool isRunning_ = false;

@@ -29,6 +29,7 @@ public:
     /// @thread the reader; no allocation, lock or wait
     [[nodiscard]] std::size_t read(std::span<float> samples) noexcept;
 
+    /// @thread the writer, for whom the ring can only become emptier
     [[nodiscard]] bool isEmpty() const noexcept;
 
     /// Forgets what was written. @thread ANY, while nobody writes or reads
