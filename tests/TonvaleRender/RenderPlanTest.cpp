@@ -12,6 +12,7 @@
 
 #include <filesystem>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace tonvale {
@@ -81,12 +82,16 @@ TEST(RenderPlan, NamesTheOutputAfterTheShiftWhereNoKeyWasGiven)
 
 TEST(RenderPlan, TakesOnlyTheLastExtensionOffTheSong)
 {
-    const auto nameFor = [](const std::string& song) {
-        return outputsOf(planRenders(inKey({song}, MusicKey::dMajor, MusicKey::cMajor))).front();
-    };
-    EXPECT_EQ(nameFor("a.b.mp3"), "a.b - Key of C.wav");
-    EXPECT_EQ(nameFor("noextension"), "noextension - Key of C.wav");
-    EXPECT_EQ(nameFor("dir.with.dots/.mp3"), "dir.with.dots/.mp3 - Key of C.wav");
+    for (const auto& [song, name] : std::vector<std::pair<std::string, std::string>>{
+             {"a.b.mp3", "a.b"},
+             {"noextension", "noextension"},
+             {"to be continued...", "to be continued..."},
+             {"dir.d/.mp3", "dir.d/.mp3"}}) {
+        const RenderRequest byKeys = inKey({song}, MusicKey::dMajor, MusicKey::cMajor);
+        EXPECT_THAT(outputsOf(planRenders(byKeys)), ElementsAre(name + " - Key of C.wav"));
+        EXPECT_THAT(outputsOf(planRenders(requestFor({song}))),
+                    ElementsAre(name + " (0 cents).wav"));
+    }
 }
 
 TEST(RenderPlan, TakesTheShortestWayBetweenTwoKeys)

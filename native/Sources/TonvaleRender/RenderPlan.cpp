@@ -4,6 +4,7 @@
 
 #include "TonvaleRender/RenderPlan.h"
 
+#include "Platform/Foundation/FileName.h"
 #include "Tonvale/Keys/ExportFileName.h"
 #include "Tonvale/Keys/TranspositionInterval.h"
 #include "TonvaleRender/OutputFile.h"
@@ -29,7 +30,7 @@ std::filesystem::path shiftedFileName(const std::filesystem::path& song,
 {
     const std::string shift = request.countsSemitones ? countOf(request.cents / 100, "semitone")
                                                       : countOf(request.cents, "cent");
-    std::filesystem::path name = song.stem();
+    std::filesystem::path name = FileName::deletingPathExtension(song);
     name += " (" + shift + ").wav";
     return name;
 }
