@@ -4,6 +4,8 @@
 
 #include "Platform/Audio/Decoding/CodedFrame.h"
 
+#include "Platform/Audio/Decoding/BigEndian.h"
+
 #include <algorithm>
 #include <array>
 #include <string_view>
@@ -28,12 +30,6 @@ constexpr std::array<int, 3> mpegSampleRates = {44100, 48000, 32000};
 constexpr std::array<int, 13> adtsSampleRates = {96000, 88200, 64000, 48000, 44100, 32000, 24000,
                                                  22050, 16000, 12000, 11025, 8000,  7350};
 constexpr std::array<AVCodecID, 3> mpegCodecs = {AV_CODEC_ID_MP1, AV_CODEC_ID_MP2, AV_CODEC_ID_MP3};
-
-std::uint32_t bigEndian32(std::span<const std::uint8_t> b)
-{
-    return std::uint32_t{b[0]} << 24U | std::uint32_t{b[1]} << 16U | std::uint32_t{b[2]} << 8U
-           | b[3];
-}
 
 bool beginsWith(std::span<const std::uint8_t> bytes, std::string_view text)
 {

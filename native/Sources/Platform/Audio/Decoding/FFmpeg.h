@@ -13,6 +13,7 @@
 #pragma GCC diagnostic ignored "-Wsign-conversion"
 extern "C" {
 #include <libavcodec/avcodec.h>
+#include <libavcodec/vorbis_parser.h>
 #include <libavformat/avformat.h>
 #include <libavutil/avstring.h>
 #include <libavutil/channel_layout.h>

@@ -4,6 +4,8 @@
 
 #include "Platform/Audio/Decoding/Mp3InfoTag.h"
 
+#include "Platform/Audio/Decoding/BigEndian.h"
+
 #include <algorithm>
 #include <string_view>
 
@@ -20,12 +22,6 @@ constexpr std::uint32_t hasPacketCount = 1;
 constexpr std::uint32_t hasByteCount = 2;
 constexpr std::uint32_t hasSeekTable = 4;
 constexpr std::uint32_t hasQuality = 8;
-
-std::uint32_t bigEndian32(Bytes b)
-{
-    return std::uint32_t{b[0]} << 24U | std::uint32_t{b[1]} << 16U | std::uint32_t{b[2]} << 8U
-           | b[3];
-}
 
 bool hasTextAt(Bytes bytes, std::size_t offset, std::string_view text)
 {

@@ -4,6 +4,7 @@
 
 #include "Platform/Audio/Decoding/Mp4Timing.h"
 
+#include "Platform/Audio/Decoding/BigEndian.h"
 #include "Platform/Audio/Decoding/LocalInput.h"
 
 #include <array>
@@ -65,8 +66,7 @@ public:
     {
         std::array<std::uint8_t, 4> b = {};
         input_.readAt(offset, b);
-        return std::uint32_t{b[0]} << 24U | std::uint32_t{b[1]} << 16U | std::uint32_t{b[2]} << 8U
-               | b[3];
+        return bigEndian32(b);
     }
 
     [[nodiscard]] std::int64_t read64(std::int64_t offset) const

@@ -4,9 +4,7 @@
 
 #include "Platform/Audio/Decoding/PacketDuration.h"
 
-extern "C" {
-#include <libavcodec/vorbis_parser.h>
-}
+#include "Platform/Audio/Decoding/BigEndian.h"
 
 #include <algorithm>
 #include <array>
@@ -65,12 +63,6 @@ std::int64_t framesOfFlacPacket(Bytes packet)
         return 192;
     }
     return code < 6 ? std::int64_t{576} << (code - 2) : std::int64_t{256} << (code - 8);
-}
-
-std::uint32_t bigEndian32(Bytes b)
-{
-    return std::uint32_t{b[0]} << 24U | std::uint32_t{b[1]} << 16U | std::uint32_t{b[2]} << 8U
-           | b[3];
 }
 
 /// Every packet but the last has the length that the codec's set-up names; the last one has a bit
