@@ -43,14 +43,17 @@ std::int64_t framesOfOpusPacket(Bytes packet)
     }
 }
 
-/// The block size is a code of 4 bits, two of which stand for a number behind the frame number,
-/// which in turn is as long as its first byte says.
+/// The block size is a code of 4 bits: one is reserved, and two stand for a number behind the frame
+/// number, which in turn is as long as its first byte says.
 std::int64_t framesOfFlacPacket(Bytes packet)
 {
     if (packet.size() < 5 || packet[0] != 0xFF) {
         return 0;
     }
     const unsigned code = packet[2] >> 4U;
+    if (code == 0) {
+        return 0;
+    }
     if (code == 6 || code == 7) {
         const auto ones = static_cast<std::size_t>(std::countl_one(packet[4]));
         const std::size_t offset = 4 + std::max<std::size_t>(ones, 1);
