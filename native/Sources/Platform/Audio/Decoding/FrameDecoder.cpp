@@ -147,11 +147,14 @@ void FrameDecoder::adoptFormat()
 
 bool FrameDecoder::adoptDeclaredFormat() noexcept
 {
+    if (parameters_->sample_rate <= 0 || parameters_->ch_layout.nb_channels <= 0) {
+        return false;
+    }
     format_ = {.sampleRate = parameters_->sample_rate,
                .channelCount = parameters_->ch_layout.nb_channels,
                .framesPerPacket = 0,
                .channelMask = channelMaskOf(parameters_->ch_layout)};
-    return format_.sampleRate > 0 && format_.channelCount > 0;
+    return true;
 }
 
 bool FrameDecoder::isAlreadyConverted() const noexcept
