@@ -186,26 +186,22 @@ std::optional<std::int64_t> flacFrames(const AVCodecParameters& parameters)
 
 HeaderExtent anyExtent(const ContainerFacts& facts, const DecodedFormat& format)
 {
-    const auto isOneOf = [&facts](std::initializer_list<const char*> names) {
-        return std::ranges::any_of(
-            names, [&facts](const char* name) { return isNamed(facts.format, name); });
-    };
-    if (isOneOf({"mov"})) {
+    if (isNamed(facts.format, "mov")) {
         return mp4Extent(facts, format);
     }
-    if (isOneOf({"ogg"})) {
+    if (isNamed(facts.format, "ogg")) {
         return oggExtent(facts, format);
     }
-    if (isOneOf({"caf"})) {
+    if (isNamed(facts.format, "caf")) {
         return cafExtent(facts, format);
     }
     if (const auto frames = flacFrames(*facts.stream.codecpar)) {
         return {.end = frames};
     }
-    if (isOneOf({"asf"})) {
+    if (isNamed(facts.format, "asf")) {
         return asfExtent(facts, format);
     }
-    if (isOneOf({"flac", "wv", "tta", "ape", "tak"}) && facts.duration > 0) {
+    if (isOneOf(facts.format, {"flac", "wv", "tta", "ape", "tak"}) && facts.duration > 0) {
         return {.end = toFrames(facts.duration, facts.tickDuration, format)};
     }
     const int padding = facts.stream.codecpar->initial_padding;

@@ -163,9 +163,7 @@ std::int64_t ContainerSource::checkedEnd(std::int64_t end, const DecodedFormat& 
 /// from their tables and pages.
 bool ContainerSource::looksTooLong(std::int64_t end, const DecodedFormat& format)
 {
-    constexpr std::array headersAlone = {"flac", "caf", "wv", "tta"};
-    if (std::ranges::none_of(headersAlone,
-                             [this](const char* name) { return isNamed(format_, name); })) {
+    if (!isOneOf(format_, {"flac", "caf", "wv", "tta"})) {
         return false;
     }
     const UniquePacket packet = makePacket();
@@ -248,15 +246,11 @@ void ContainerSource::chooseStream(int best)
 ContainerSource::Stamping ContainerSource::stampingOf(const AVStream& stream) const
 {
     const AVCodecParameters& parameters = *stream.codecpar;
-    const auto isOneOf = [this](std::initializer_list<const char*> names) {
-        return std::ranges::any_of(names,
-                                   [this](const char* name) { return isNamed(format_, name); });
-    };
     if (isLinear(parameters) && frameSizeOf(parameters) > 0 && parameters.sample_rate > 0
-        && isOneOf({"wav", "w64", "aiff", "au", "caf"})) {
+        && isOneOf(format_, {"wav", "w64", "aiff", "au", "caf"})) {
         return Stamping::byBytes;
     }
-    const bool countsFrames = isOneOf({"flac", "ogg", "caf", "wv", "tta"})
+    const bool countsFrames = isOneOf(format_, {"flac", "ogg", "caf", "wv", "tta"})
                               || (isNamed(format_, "mov") && hasFrameTimeBase(stream));
     return countsFrames && hasKnownMemory(parameters) ? Stamping::byContainer : Stamping::none;
 }

@@ -7,6 +7,7 @@
 #include "Platform/Audio/Decoding/CodedFrame.h"
 #include "Platform/Audio/Decoding/LocalInput.h"
 
+#include <algorithm>
 #include <array>
 #include <string>
 #include <vector>
@@ -83,6 +84,12 @@ const char* containersOfMusic() noexcept
 bool isNamed(const AVInputFormat& format, std::string_view name)
 {
     return av_match_name(std::string(name).c_str(), format.name) != 0;
+}
+
+bool isOneOf(const AVInputFormat& format, std::initializer_list<std::string_view> names)
+{
+    return std::ranges::any_of(names,
+                               [&format](std::string_view name) { return isNamed(format, name); });
 }
 
 }  // namespace tonvale

@@ -6,6 +6,7 @@
 
 #include "Platform/Audio/Decoding/FFmpeg.h"
 
+#include <initializer_list>
 #include <string_view>
 
 namespace tonvale {
@@ -20,7 +21,9 @@ class LocalInput;
 /// The names of those containers, for the library.
 [[nodiscard]] const char* containersOfMusic() noexcept;
 
-/// Whether `name` is one of the names a format goes by.
+/// Whether `name`, or one of `names`, is one of those a format goes by.
 [[nodiscard]] bool isNamed(const AVInputFormat& format, std::string_view name);
+[[nodiscard]] bool isOneOf(const AVInputFormat& format,
+                           std::initializer_list<std::string_view> names);
 
 }  // namespace tonvale
