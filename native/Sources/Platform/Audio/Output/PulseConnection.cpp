@@ -44,6 +44,9 @@ PulseConnection::PulseConnection(const PulseMainLoop& loop, const Deadline& dead
     , context_(pa_context_new_with_proplist(&loop.api(), nullptr, applicationProperties().get()))
 {
     pa_context* const context = context_.get();
+    if (context == nullptr) {
+        throw PlatformError(pa_strerror(PA_ERR_INTERNAL));
+    }
     pa_context_set_state_callback(
         context, [](pa_context*, void* mainLoop) { wake(mainLoop); },
         const_cast<PulseMainLoop*>(&loop));
