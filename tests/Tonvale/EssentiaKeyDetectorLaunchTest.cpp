@@ -71,9 +71,10 @@ TEST_F(EssentiaKeyDetectorLaunch, RunsTheScriptByTheSystemsInterpreterOnTheSong)
 
 TEST_F(EssentiaKeyDetectorLaunch, ShowsTheHelperTwoVariablesAndNoOther)
 {
-    ASSERT_EQ(::setenv("LANG", "C", 1), 0);
+    ASSERT_EQ(::setenv("TONVALE_TEST_MARK", "ours", 1), 0);
     const std::string report =
         reportOf("sys.stderr.write(open('/proc/self/environ').read().replace('\\0', '|'))");
+    ::unsetenv("TONVALE_TEST_MARK");
     EXPECT_EQ(report, "PYTHONPATH=" + (detection.root() / "EssentiaPython").string()
                           + "|PATH=/usr/bin:/bin:/usr/sbin:/sbin|");
 }
