@@ -69,7 +69,7 @@ protected:
     void detect();
     void runQueued() { test::runQueuedCalls(); }
     void tickTimer() { tick(); }
-    void passTime() { test::FakeClock::advance(between(0, 8)); }
+    void letTimePass() { test::FakeClock::advance(between(0, 8)); }
     void takeSound() { static_cast<void>(device.pull(4096)); }
     void changeDevice();
 
@@ -131,7 +131,7 @@ ModelEndurance::ModelEndurance()
          &ModelEndurance::detect},
         {"run what is queued", 12, {"*"}, &ModelEndurance::runQueued},
         {"tick", 10, {"currentTime", "isPreviewing"}, &ModelEndurance::tickTimer},
-        {"pass time", 6, {}, &ModelEndurance::passTime},
+        {"let time pass", 6, {}, &ModelEndurance::letTimePass},
         {"take sound", 6, {}, &ModelEndurance::takeSound},
         {"change the device", 1, {}, &ModelEndurance::changeDevice},
     };
