@@ -41,6 +41,10 @@ class Hands:
     def double_click(self, place: tuple[int, int]) -> None:
         self._do("mousemove", *place, "click", "--repeat", 2, "--delay", 60, 1)
 
+    def scroll(self, place: tuple[int, int], steps: int) -> None:
+        """Turns the wheel, upwards when `steps` is negative."""
+        self._do("mousemove", *place, "click", "--repeat", abs(steps), "--delay", 8, 4 if steps < 0 else 5)
+
     def drag(self, begin: tuple[int, int], *places: tuple[int, int]) -> None:
         """Presses the button, moves through the places and releases it at the last one."""
         moves = [word for place in places for word in ("mousemove", *place, "sleep", 0.03)]
