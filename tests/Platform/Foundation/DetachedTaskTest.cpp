@@ -6,6 +6,7 @@
 
 #include "Platform/Foundation/PlatformError.h"
 #include "Support/MainLoop.h"
+#include "Support/ProcessState.h"
 
 #include <gtest/gtest.h>
 
