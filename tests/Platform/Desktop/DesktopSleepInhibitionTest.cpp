@@ -159,6 +159,7 @@ TEST_F(DesktopSleep, StaysAsItIsWhereEverybodyRefuses)
     sleep->setWanted(true);
     ASSERT_TRUE(spinUntil([&] { return portal.calls().size() == 1; }));
     settle();
+    sleep->setWanted(true);  // the same again, as at every tick of a song
     sleep->setWanted(false);
     settle();
     EXPECT_THAT(manager.calls(), ElementsAre(managerAsked));
@@ -214,11 +215,14 @@ TEST_F(DesktopSleep, IsAskedForOnceWhileTheAnswerIsAwaited)
 
 TEST_F(DesktopSleep, IsInhibitedAnewWhenTheServiceHasBeenRestarted)
 {
+    const FakeSleepService portal(FakeSleepService::portal);
     auto manager = std::make_unique<FakeSleepService>(FakeSleepService::powerManager);
     sleep->setWanted(true);
     ASSERT_TRUE(becomes(*manager, 1));
+    settle();
     manager = nullptr;
     settle();
+    EXPECT_THAT(portal.calls(), IsEmpty()) << "somebody was asked before anybody came";
     manager = std::make_unique<FakeSleepService>(FakeSleepService::powerManager);
     EXPECT_TRUE(becomes(*manager, 1));
     sleep->setWanted(false);
