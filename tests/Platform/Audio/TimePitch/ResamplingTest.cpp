@@ -15,7 +15,7 @@ namespace {
 
 TEST(InputHistoryTest, KeepsTheLastFramesWhateverTheStepsAre)
 {
-    InputHistory history(1, 100, 64);
+    InputHistory history(1, 100, 64, 8);
     int next = 0;
     for (const int step : {1, 63, 64, 5, 64, 64, 64, 17, 64, 64, 64}) {
         for (int i = 0; i < step; ++i) {
@@ -23,10 +23,14 @@ TEST(InputHistoryTest, KeepsTheLastFramesWhateverTheStepsAre)
         }
         history.commit(step);
         ASSERT_EQ(history.end(), next);
-        for (Frames frame = history.end() - 100; frame < history.end(); ++frame) {
-            EXPECT_EQ(history.at(0, frame)[0], frame < 0 ? 0.0F : static_cast<float>(frame + 1));
+        const Frames start = history.end() - 100;
+        const float* window = history.at(0, start);
+        for (int i = 0; i < 100; ++i) {
+            EXPECT_EQ(window[i], start + i < 0 ? 0.0F : static_cast<float>(start + i + 1));
         }
-        EXPECT_EQ(history.at(0, history.end())[0], 0) << "not written yet";
+        for (int i = 100; i < 108; ++i) {
+            EXPECT_EQ(window[i], 0) << "not written yet";
+        }
     }
 }
 

@@ -21,8 +21,9 @@ namespace tonvale::timepitch {
 class InputHistory {
 public:
     /// @param keptFrames     frames before the end that stay readable
-    /// @param aheadFrames    frames beyond the end that may be read (as zeros) or written at once
-    InputHistory(unsigned channelCount, int keptFrames, int aheadFrames);
+    /// @param stepFrames     the most that are written at once
+    /// @param silentFrames   frames beyond the end that may be read, as zeros
+    InputHistory(unsigned channelCount, int keptFrames, int stepFrames, int silentFrames = 0);
 
     void clear() noexcept;
     [[nodiscard]] unsigned channelCount() const noexcept
@@ -31,7 +32,7 @@ public:
     }
     /// One past the last frame written.
     [[nodiscard]] Frames end() const noexcept { return end_; }
-    /// Memory for up to `aheadFrames` new frames of a channel; call commit(count) when all are
+    /// Memory for up to `stepFrames` new frames of a channel; call commit(count) when all are
     /// filled.
     [[nodiscard]] float* tail(unsigned channel) noexcept
     {
@@ -51,7 +52,7 @@ private:
         return frame - floorDivide(frame, size_) * size_;
     }
 
-    int ahead_;
+    int silent_;
     int size_;  ///< of the ring; each channel has twice as much
     Frames end_ = 0;
     std::vector<Array<float>> channels_;

@@ -6,7 +6,6 @@
 #include <bit>
 
 #include "Platform/Audio/TimePitch/OctaveInput.h"
-#include "Platform/Audio/TimePitch/VectorKernels.h"
 
 namespace tonvale::timepitch {
 
@@ -27,9 +26,10 @@ OctaveInput::OctaveInput(const Geometry& geometry, unsigned channelCount, int ke
     for (const LayerGeometry& layer : geometry.layers) {
         octaves = std::max(octaves, octavesOf(layer.decimation));
     }
-    for (int octave = 0; octave <= octaves; ++octave) {
+    octaves_.emplace_back(channelCount, keptFrames + margin, geometry.block);
+    for (int octave = 1; octave <= octaves; ++octave) {
         octaves_.emplace_back(channelCount, (keptFrames >> octave) + margin,
-                              (geometry.block >> octave) + margin + kernels::overrun);
+                              (geometry.block >> octave) + margin, margin);
     }
 }
 

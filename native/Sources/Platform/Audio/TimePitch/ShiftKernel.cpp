@@ -23,10 +23,20 @@ using Matrix = std::array<Taps, tapCount>;
 struct Point {
     double x;       ///< radians of the FFT circle from the phase centre
     double weight;  ///< window product
+    Taps basis;     ///< exp(-i x (c - t)), what tap t does: it takes source bin k + c - t
 };
 
 constexpr std::size_t pointCount = 96;
 using Grid = std::array<Point, pointCount>;
+
+Taps basisAt(double x)
+{
+    Taps basis;
+    for (std::size_t tap = 0; tap < tapCount; ++tap) {
+        basis[tap] = std::polar(1.0, (static_cast<double>(tap) - tapCount / 2) * x);
+    }
+    return basis;
+}
 
 Grid makeGrid(const LayerGeometry& geometry, const LayerWindows& windows)
 {
@@ -36,15 +46,10 @@ Grid makeGrid(const LayerGeometry& geometry, const LayerWindows& windows)
         const double position = (static_cast<double>(index) + 0.5) * 2 / pointCount - 1;
         const double c = std::cos(pi / 2 * position);
         const double frame = position * release - windows.phaseOffset();
-        grid[index] = {twoPi * frame / geometry.size(), c * c * c * c};
+        const double x = twoPi * frame / geometry.size();
+        grid[index] = {x, c * c * c * c, basisAt(x)};
     }
     return grid;
-}
-
-/// Tap t stands for source bin k + c - t with c the middle tap, that is for exp(-i x (c - t)).
-Complex basis(std::size_t tap, double x)
-{
-    return std::polar(1.0, (static_cast<double>(tap) - tapCount / 2) * x);
 }
 
 /// Solves matrix * taps = right by Gauss-Jordan elimination; the matrix is Hermitian and positive,
@@ -78,7 +83,7 @@ Matrix normalMatrix(const Grid& grid)
         for (std::size_t row = 0; row < tapCount; ++row) {
             for (std::size_t column = 0; column < tapCount; ++column) {
                 matrix[row][column] +=
-                    point.weight * std::conj(basis(row, point.x)) * basis(column, point.x);
+                    point.weight * std::conj(point.basis[row]) * point.basis[column];
             }
         }
     }
@@ -107,8 +112,9 @@ Taps fit(const Grid& grid, const Matrix& matrix, double offset, double chirp)
     Taps right{};
     for (const Point& point : grid) {
         const double phase = offset * point.x + chirp * (1 - std::cos(point.x));
+        const Complex wanted = std::polar(point.weight, phase);
         for (std::size_t tap = 0; tap < tapCount; ++tap) {
-            right[tap] += std::polar(point.weight, phase) * std::conj(basis(tap, point.x));
+            right[tap] += wanted * std::conj(point.basis[tap]);
         }
     }
     return solve(matrix, right);
