@@ -73,7 +73,7 @@ class DevicesTest(SoundServerCase):
 class ServerTest(SoundServerCase):
     def setUp(self) -> None:
         super().setUp()
-        self.load_tone(seconds=120)
+        self.load_tone(seconds=60)
         self.addCleanup(lambda: self.desktop.has_sound or self.desktop.start_sound())
 
     def signal_server(self, number: int) -> None:
