@@ -163,9 +163,7 @@ public:
     [[nodiscard]] std::uint32_t read(std::span<float> /*samples*/) noexcept override
     {
         if (!isBegun.exchange(true)) {
-            while (!isInSystemCall(waitsFor, SYS_futex)) {
-            }
-            isEnded = true;
+            isEnded = eventually([this] { return isInSystemCall(waitsFor, SYS_futex); });
         }
         return 0;
     }
@@ -181,8 +179,7 @@ TEST_F(DiscardTest, NoReadThatBeganBeforeIsUnderWayAfterwards)
     slow.waitsFor = ::gettid();
     auto slowOutput = AudioOutput::create();
     slowOutput->start(slow);
-    while (!slow.isBegun) {
-    }
+    ASSERT_TRUE(eventually([&slow] { return slow.isBegun.load(); }));
     slowOutput->discardQueued();
     EXPECT_TRUE(slow.isEnded);
 }
