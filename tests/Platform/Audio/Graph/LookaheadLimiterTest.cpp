@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <numbers>
 #include <random>
 #include <vector>
@@ -67,6 +68,22 @@ float peakOf(const Signal& signal)
         peak = std::max(peak, std::abs(sample));
     }
     return peak;
+}
+
+TEST(LookaheadLimiter, WhatIsNoNumberIsSilence)
+{
+    constexpr float nan = std::numeric_limits<float>::quiet_NaN();
+    constexpr float infinity = std::numeric_limits<float>::infinity();
+    Signal signal(1000, 0.5F);
+    signal[100] = nan;
+    signal[500] = infinity;
+    signal[501] = -infinity;
+    const auto result = limit(signal);
+    for (const std::size_t frame : {100U, 500U, 501U}) {
+        EXPECT_EQ(result[0][frame], 0.0F) << frame;
+        signal[frame] = 0;
+    }
+    EXPECT_EQ(result[0], signal);
 }
 
 TEST(LookaheadLimiter, LeavesEverySampleUntouchedUpToFullScale)

@@ -42,6 +42,16 @@ bool exceedsFullScale(const AudioPCMBuffer& buffer) noexcept
     return false;
 }
 
+/// What is no number has no level to limit; it counts as silence.
+void silenceWhatIsNotFinite(AudioPCMBuffer& buffer) noexcept
+{
+    for (std::uint32_t channel = 0; channel < buffer.format().channelCount; ++channel) {
+        std::ranges::replace_if(
+            buffer.channel(channel).first(buffer.frameLength()),
+            [](float sample) { return !std::isfinite(sample); }, 0.0F);
+    }
+}
+
 float gainFor(float peak) noexcept
 {
     return peak > 1.0F ? ceiling / peak : 1.0F;
@@ -86,6 +96,7 @@ void LookaheadLimiter::process(AudioPCMBuffer& buffer) noexcept
     if (isUntouched) {
         hold_.pass(buffer.frameLength());
     } else {
+        silenceWhatIsNotFinite(buffer);
         computeGains(buffer);
     }
     for (std::uint32_t channel = 0; channel < buffer.format().channelCount; ++channel) {

@@ -41,7 +41,8 @@ public:
     void reset() noexcept;
 
     /// Replaces the valid frames of `buffer` by those that went in latencyFrames() earlier;
-    /// silence went in before the first. Samples leave in [-1, 1].
+    /// silence went in before the first. Samples leave in [-1, 1]; those
+    /// that are no numbers, or infinite, as silence.
     void process(AudioPCMBuffer& buffer) noexcept;
 
 private:
