@@ -79,6 +79,67 @@ TEST(PacketDuration, OfAlacIsTheSetUpsUnlessThePacketHasItsOwn)
     EXPECT_EQ(framesOf(AV_CODEC_ID_ALAC, Bytes(7)), 0) << "no set-up";
 }
 
+/// The standard's table of configurations, at 48 kHz.
+constexpr std::array<std::int64_t, 32> opusFrames = {
+    480, 960, 1920, 2880, 480, 960, 1920, 2880, 480, 960, 1920, 2880, 480, 960, 480, 960,
+    120, 240, 480,  960,  120, 240, 480,  960,  120, 240, 480,  960,  120, 240, 480, 960,
+};
+
+TEST(PacketDuration, OfOpusIsThatOfEveryConfigurationTimesItsCount)
+{
+    for (unsigned configuration = 0; configuration < 32; ++configuration) {
+        const auto framesOfCount = [configuration](unsigned code, const Bytes& rest) {
+            Bytes bytes{static_cast<std::uint8_t>(configuration << 3U | 4U | code)};  // stereo
+            std::ranges::copy(rest, std::back_inserter(bytes));
+            return framesOf(AV_CODEC_ID_OPUS, bytes);
+        };
+        const std::int64_t frames = opusFrames[configuration];
+        EXPECT_EQ(framesOfCount(0, {}), frames) << configuration;
+        EXPECT_EQ(framesOfCount(1, {9}), 2 * frames) << configuration;
+        EXPECT_EQ(framesOfCount(2, {9}), 2 * frames) << configuration;
+        EXPECT_EQ(framesOfCount(3, {0xC5}), 5 * frames) << configuration;
+    }
+}
+
+TEST(PacketDuration, OfFlacStandsBehindFrameNumbersOfEveryLength)
+{
+    for (const Bytes& number : {Bytes{0x7F}, Bytes{0xDF, 0xBF}, Bytes{0xF7, 0xBF, 0xBF, 0xBF},
+                                Bytes{0xFE, 0xBF, 0xBF, 0xBF, 0xBF, 0xBF, 0xBF}}) {
+        Bytes rest = number;
+        rest.push_back(0x12);
+        rest.push_back(0x34);
+        EXPECT_EQ(framesOf(AV_CODEC_ID_FLAC, flacFrame(6, rest)), 0x13) << number.size();
+        EXPECT_EQ(framesOf(AV_CODEC_ID_FLAC, flacFrame(7, rest)), 0x1235) << number.size();
+        rest.pop_back();
+        EXPECT_EQ(framesOf(AV_CODEC_ID_FLAC, flacFrame(7, rest)), 0) << "cut off";
+    }
+}
+
+TEST(PacketDuration, OfAlacHasThirtyTwoBits)
+{
+    Bytes setUp(16);
+    setUp[12] = 0x01;
+    setUp[13] = 0x02;
+    setUp[14] = 0x10;
+    setUp[15] = 0x04;
+    EXPECT_EQ(framesOf(AV_CODEC_ID_ALAC, Bytes(7), setUp), 0x01021004);
+    EXPECT_EQ(framesOf(AV_CODEC_ID_ALAC, {0x20, 0, 0x11, 0x02, 0x04, 0x08, 0x11}, setUp),
+              0x81020408);
+    setUp.pop_back();
+    EXPECT_EQ(framesOf(AV_CODEC_ID_ALAC, Bytes(7), setUp), 0) << "no set-up";
+}
+
+TEST(PacketDuration, OfAPacketThatDoesNotTellIsThatOfTheFormatsPackets)
+{
+    AVCodecParameters parameters = {};
+    parameters.codec_id = AV_CODEC_ID_FLAC;
+    const AVPacket empty = {};
+    DecodedFormat format = {};
+    EXPECT_EQ(PacketDuration(parameters, format).framesOf(empty), std::nullopt);
+    format.framesPerPacket = 1024;
+    EXPECT_EQ(PacketDuration(parameters, format).framesOf(empty), 1024);
+}
+
 }  // namespace
 
 }  // namespace tonvale

@@ -87,10 +87,9 @@ TEST_F(SoundServerTest, KilledServerIsNoticedAndTheNextStartOpensAnew)
     EXPECT_TRUE(output->isRunning());
     Recorder recorder;
     play(1501, 9600);
-    ASSERT_TRUE(recorder.waitForSound(isSounding));
-    ASSERT_TRUE(recorder.waitForSilence());
-    const std::vector<float> left = recorder.channel(0);
-    EXPECT_EQ(toneIn(left, soundIn(left), source, 1501), 9600U);
+    EXPECT_TRUE(recorder.waitForSound(isSounding));
+    EXPECT_TRUE(recorder.waitForSilence());
+    EXPECT_EQ(source.given(), 9600);
 }
 
 TEST_F(SoundServerTest, StreamThatTheServerEndsIsLost)

@@ -42,15 +42,6 @@ TEST_F(PulseAudioOutputTest, EveryFrameIsHeardUnchangedOnItsOwnSide)
     EXPECT_EQ(exact, 30000U);
 }
 
-TEST_F(PulseAudioOutputTest, TheStreamHasTheRateOfTheDevice)
-{
-    static_cast<void>(
-        PulseServer::control({"load-module", "module-null-sink", "sink_name=other", "rate=96000"}));
-    static_cast<void>(PulseServer::control({"set-default-sink", "other"}));
-    output->start(source);
-    EXPECT_EQ(output->format().sampleRate, 96000);
-}
-
 TEST_F(PulseAudioOutputTest, SoundBeginsWithin60MillisecondsAndTheDevicesTarget)
 {
     Recorder recorder;
@@ -124,48 +115,6 @@ TEST_F(PulseAudioOutputTest, UnderrunsAreThoseInTheMiddleOfAPiece)
     play(1501, 9600);
     ASSERT_TRUE(eventually([this] { return source.given() == 9600; }));
     EXPECT_EQ(output->underrunCount(), 1U) << "another piece after a stop";
-}
-
-TEST_F(PulseAudioOutputTest, SourceThatGivesLittleAtATimeIsAskedAgainUnbidden)
-{
-    output->start(source);
-    source.setTone(997);
-    source.giveAtMost(240);  // 5 ms every other time, and nobody says that there is more
-    source.offer(48000);
-    output->framesReady();
-    EXPECT_TRUE(eventually([this] { return source.given() == 48000; }));
-}
-
-TEST_F(PulseAudioOutputTest, TheMixerShowsWhoPlaysAndWhat)
-{
-    output->setTitle("before");
-    output->start(source);
-    const auto shown = [] { return PulseServer::control({"list", "sink-inputs"}); };
-    const std::string first = shown();
-    EXPECT_NE(first.find("media.name = \"before\""), std::string::npos) << first;
-    EXPECT_NE(first.find("application.name = \"Tonvale\""), std::string::npos);
-    EXPECT_NE(first.find("application.id = \"io.github.tonvale.Tonvale\""), std::string::npos);
-    EXPECT_NE(first.find("application.icon_name = \"io.github.tonvale.Tonvale\""),
-              std::string::npos);
-    EXPECT_NE(first.find("media.role = \"music\""), std::string::npos);
-
-    output->setTitle("Für Elise");
-    EXPECT_TRUE(eventually(
-        [&] { return shown().find("media.name = \"Für Elise\"") != std::string::npos; }));
-}
-
-TEST_F(PulseAudioOutputTest, ANameThatIsNotUtf8IsShownAsFarAsItIs)
-{
-    const auto shows = [](const std::string& title) {
-        return PulseServer::control({"list", "sink-inputs"}).find("media.name = \"" + title + "\"")
-               != std::string::npos;
-    };
-    output->setTitle("caf\xE9.wav");  // of a disk from another time
-    output->start(source);
-    EXPECT_TRUE(shows("caf_.wav"));
-    output->setTitle("\xFC"
-                     "ber.wav");
-    EXPECT_TRUE(eventually([&] { return shows("_ber.wav"); }));
 }
 
 }  // namespace

@@ -1,0 +1,182 @@
+// SPDX-FileCopyrightText: 2026 The Tonvale Authors
+//
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "Platform/Audio/Decoding/Mp4Timing.h"
+
+#include "Platform/Audio/Decoding/ByteFile.h"
+
+#include <gtest/gtest.h>
+
+namespace tonvale::test {
+
+namespace {
+
+Bytes box(std::string_view kind, const Bytes& content)
+{
+    Bytes bytes;
+    append(bytes, content.size() + 8, 4);
+    append(bytes, text(kind));
+    append(bytes, content);
+    return bytes;
+}
+
+Bytes longBox(std::string_view kind, const Bytes& content)
+{
+    Bytes bytes;
+    append(bytes, 1, 4);
+    append(bytes, text(kind));
+    append(bytes, content.size() + 16, 8);
+    append(bytes, content);
+    return bytes;
+}
+
+/// The headers of movie, track and media alike: version and flags, two dates, a number.
+Bytes header(std::string_view kind, bool isLong, std::uint32_t number)
+{
+    Bytes content;
+    append(content, isLong ? 1 : 0, 1);
+    append(content, 0, 3);
+    append(content, 0x0102030405060708, isLong ? 8 : 4);
+    append(content, 0x1112131415161718, isLong ? 8 : 4);
+    append(content, number, 4);
+    append(content, 0, 8);
+    return box(kind, content);
+}
+
+struct Entry {
+    std::int64_t duration;
+    std::int64_t start;
+};
+
+Bytes editList(bool isLong, const std::vector<Entry>& entries)
+{
+    Bytes content;
+    append(content, isLong ? 1 : 0, 1);
+    append(content, 0, 3);
+    append(content, entries.size(), 4);
+    for (const Entry& entry : entries) {
+        append(content, static_cast<std::uint64_t>(entry.duration), isLong ? 8 : 4);
+        append(content, static_cast<std::uint64_t>(entry.start), isLong ? 8 : 4);
+        append(content, 0x00010000, 4);  // the rate
+    }
+    return box("edts", box("elst", content));
+}
+
+Bytes track(std::uint32_t id, std::uint32_t ticksPerSecond, const Bytes& edits, bool isLong = false)
+{
+    Bytes content = header("tkhd", isLong, id);
+    append(content, edits);
+    append(content, box("mdia", header("mdhd", isLong, ticksPerSecond)));
+    return box("trak", content);
+}
+
+Bytes movie(const Bytes& tracks, bool isLong = false)
+{
+    Bytes content = header("mvhd", isLong, 600);
+    append(content, tracks);
+    Bytes file = box("ftyp", text("M4A "));
+    append(file, box("moov", content));
+    return file;
+}
+
+std::optional<Mp4Timing> parsed(const Bytes& file, std::uint32_t trackId = 1)
+{
+    return Mp4Timing::parse(ByteFile(file).input(), trackId);
+}
+
+TEST(Mp4TimingTest, RatesAndEditAreReadInBothSizesOfNumbers)
+{
+    for (const bool isLong : {false, true}) {
+        const auto timing = parsed(
+            movie(track(1, 44100, editList(isLong, {{0x01020304, 0x1234567}}), isLong), isLong));
+        ASSERT_TRUE(timing) << isLong;
+        EXPECT_EQ(timing->movieTicksPerSecond, 600);
+        EXPECT_EQ(timing->mediaTicksPerSecond, 44100);
+        ASSERT_TRUE(timing->edit) << isLong;
+        EXPECT_EQ(timing->edit->duration, 0x01020304);
+        EXPECT_EQ(timing->edit->mediaStart, 0x1234567);
+    }
+}
+
+TEST(Mp4TimingTest, LongNumbersHaveSixtyFourBits)
+{
+    const auto timing = parsed(movie(track(1, 44100, editList(true, {{1LL << 49, 1LL << 40}}))));
+    ASSERT_TRUE(timing && timing->edit);
+    EXPECT_EQ(timing->edit->duration, 1LL << 49);
+    EXPECT_EQ(timing->edit->mediaStart, 1LL << 40);
+}
+
+TEST(Mp4TimingTest, TheTrackIsFoundByItsNumberWhereverItStands)
+{
+    Bytes tracks = track(1, 1000, {});
+    append(tracks, track(7, 2000, editList(false, {{50, 60}})));
+    append(tracks, track(0x01020304, 3000, {}));
+    EXPECT_EQ(parsed(movie(tracks), 1)->mediaTicksPerSecond, 1000);
+    EXPECT_FALSE(parsed(movie(tracks), 1)->edit);
+    EXPECT_EQ(parsed(movie(tracks), 7)->mediaTicksPerSecond, 2000);
+    EXPECT_EQ(parsed(movie(tracks), 7)->edit->mediaStart, 60);
+    EXPECT_EQ(parsed(movie(tracks), 0x01020304)->mediaTicksPerSecond, 3000);
+    EXPECT_FALSE(parsed(movie(tracks), 2));
+}
+
+TEST(Mp4TimingTest, SeveralEditsBeginWithTheFirstAndLastTogether)
+{
+    const auto timing =
+        parsed(movie(track(1, 44100, editList(false, {{30, -1}, {100, 1024}, {20, 9000}}))));
+    ASSERT_TRUE(timing && timing->edit);
+    EXPECT_EQ(timing->edit->mediaStart, 1024) << "an edit of nothing only delays";
+    EXPECT_EQ(timing->edit->duration, 120);
+}
+
+TEST(Mp4TimingTest, EditsThatCannotBeAreLeftOut)
+{
+    const auto edits = editList(true, {{(1LL << 50) + 1, 5}, {-1, 6}, {1LL << 50, 7}});
+    const auto timing = parsed(movie(track(1, 44100, edits)));
+    ASSERT_TRUE(timing && timing->edit);
+    EXPECT_EQ(timing->edit->mediaStart, 7);
+    EXPECT_EQ(timing->edit->duration, 1LL << 50);
+}
+
+TEST(Mp4TimingTest, AListShorterThanItSaysEndsWhereItEnds)
+{
+    Bytes content = {0, 0, 0, 0, 0, 0, 0, 9};
+    append(content, 100, 4);
+    append(content, 1024, 4);
+    append(content, 0x00010000, 4);
+    const auto timing = parsed(movie(track(1, 44100, box("edts", box("elst", content)))));
+    ASSERT_TRUE(timing && timing->edit);
+    EXPECT_EQ(timing->edit->duration, 100);
+}
+
+TEST(Mp4TimingTest, BoxesMayBeLongOrReachToTheEnd)
+{
+    Bytes content = header("mvhd", false, 600);
+    append(content, track(1, 44100, {}));
+    Bytes file = longBox("free", Bytes(100));
+    append(file, longBox("moov", content));
+    EXPECT_EQ(parsed(file)->mediaTicksPerSecond, 44100);
+
+    Bytes open = box("ftyp", {});
+    append(open, 0, 4);
+    append(open, text("moov"));
+    append(open, content);
+    EXPECT_EQ(parsed(open)->mediaTicksPerSecond, 44100);
+}
+
+TEST(Mp4TimingTest, WhatIsDamagedOrMissingIsNoTiming)
+{
+    const Bytes whole = movie(track(1, 44100, {}));
+    EXPECT_TRUE(parsed(whole));
+    EXPECT_FALSE(parsed({}));
+    EXPECT_FALSE(parsed(Bytes(whole.begin(), whole.end() - 1))) << "cut off";
+    EXPECT_FALSE(parsed(box("moov", track(1, 44100, {})))) << "no header of the movie";
+    EXPECT_FALSE(parsed(movie(box("trak", header("tkhd", false, 1))))) << "no media";
+    Bytes tooSmall = whole;
+    tooSmall[3] = 7;  // the first box ends within its own header
+    EXPECT_FALSE(parsed(tooSmall));
+}
+
+}  // namespace
+
+}  // namespace tonvale::test

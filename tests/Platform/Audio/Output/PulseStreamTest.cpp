@@ -1,0 +1,136 @@
+// SPDX-FileCopyrightText: 2026 The Tonvale Authors
+//
+// SPDX-License-Identifier: GPL-3.0-or-later
+
+#include "Platform/Audio/Output/SoundTest.h"
+#include "Support/ProcessState.h"
+
+namespace tonvale::test {
+
+namespace {
+
+using PulseStreamTest = SoundTest;
+
+std::string shownStreams()
+{
+    return PulseServer::control({"list", "sink-inputs"});
+}
+
+bool isPaused()
+{
+    return shownStreams().find("Corked: yes") != std::string::npos;
+}
+
+TEST_F(PulseStreamTest, TheStreamHasTheRateOfTheDevice)
+{
+    static_cast<void>(
+        PulseServer::control({"load-module", "module-null-sink", "sink_name=other", "rate=96000"}));
+    static_cast<void>(PulseServer::control({"set-default-sink", "other"}));
+    output->start(source);
+    EXPECT_EQ(output->format().sampleRate, 96000);
+}
+
+TEST_F(PulseStreamTest, SourceThatGivesLittleAtATimeIsAskedAgainUnbidden)
+{
+    output->start(source);
+    source.setTone(997);
+    source.giveAtMost(240);  // 5 ms every other time, and nobody says that there is more
+    source.offer(48000);
+    output->framesReady();
+    EXPECT_TRUE(eventually([this] { return source.given() == 48000; }));
+}
+
+TEST_F(PulseStreamTest, TheMixerShowsWhoPlaysAndWhat)
+{
+    output->setTitle("before");
+    output->start(source);
+    const auto shown = [] { return PulseServer::control({"list", "sink-inputs"}); };
+    const std::string first = shown();
+    EXPECT_NE(first.find("media.name = \"before\""), std::string::npos) << first;
+    EXPECT_NE(first.find("application.name = \"Tonvale\""), std::string::npos);
+    EXPECT_NE(first.find("application.id = \"io.github.tonvale.Tonvale\""), std::string::npos);
+    EXPECT_NE(first.find("application.icon_name = \"io.github.tonvale.Tonvale\""),
+              std::string::npos);
+    EXPECT_NE(first.find("media.role = \"music\""), std::string::npos);
+
+    output->setTitle("Für Elise");
+    EXPECT_TRUE(eventually(
+        [&] { return shown().find("media.name = \"Für Elise\"") != std::string::npos; }));
+}
+
+TEST_F(PulseStreamTest, ANameThatIsNotUtf8IsShownAsFarAsItIs)
+{
+    const auto shows = [](const std::string& title) {
+        return PulseServer::control({"list", "sink-inputs"}).find("media.name = \"" + title + "\"")
+               != std::string::npos;
+    };
+    output->setTitle("caf\xE9.wav");  // of a disk from another time
+    output->start(source);
+    EXPECT_TRUE(shows("caf_.wav"));
+    output->setTitle("\xFC"
+                     "ber.wav");
+    EXPECT_TRUE(eventually([&] { return shows("_ber.wav"); }));
+}
+
+TEST_F(PulseStreamTest, EachSideIsHeardOnItsOwn)
+{
+    Recorder recorder;
+    output->start(source);
+    EXPECT_EQ(output->format(), (AudioFormat{.sampleRate = 48000, .channelCount = 2}));
+    play(997);
+    ASSERT_TRUE(recorder.waitForSound(isSounding));
+    const std::vector<float> left = recorder.channel(0);
+    const std::vector<float> right = recorder.channel(1);
+    for (std::size_t frame = 0; frame < std::min(left.size(), right.size()); ++frame) {
+        ASSERT_EQ(right[frame], -0.5F * left[frame]) << frame;
+    }
+}
+
+TEST_F(PulseStreamTest, AfterAPieceTheStreamPausesUntilThereIsMore)
+{
+    constexpr std::int64_t piece =
+        2000;  // goes out at once, so that a busy machine adds no underrun
+    output->start(source);
+    play(997, piece);
+    ASSERT_TRUE(eventually([this] { return source.given() == piece; }));
+    ASSERT_TRUE(eventually(isPaused));
+    EXPECT_EQ(output->underrunCount(), 0U) << "the end of a piece is none";
+
+    source.offer(piece);  // it goes on after all
+    output->framesReady();
+    ASSERT_TRUE(eventually([this] { return source.given() == 2 * piece; }));
+    EXPECT_EQ(output->underrunCount(), 1U);
+    ASSERT_TRUE(eventually(isPaused));
+
+    stop();
+    play(1501, piece);
+    ASSERT_TRUE(eventually([this] { return source.given() == piece; }));
+    EXPECT_EQ(output->underrunCount(), 1U) << "another piece after a stop";
+}
+
+TEST_F(PulseStreamTest, AFewHundredMillisecondsAreTakenAheadAtMost)
+{
+    output->start(source);
+    server.freeze();  // takes what fits, and plays none of it
+    play(997);
+    ASSERT_TRUE(eventually([this] { return source.given() > 0; }));
+    EXPECT_LT(source.given(), 48000 / 5);
+    server.thaw();
+    EXPECT_TRUE(eventually([this] { return source.given() > 48000; }));
+}
+
+TEST_F(PulseStreamTest, WhatIsQueuedIsNotHeardAfterAStop)
+{
+    Recorder recorder;
+    output->start(source);
+    play(997);
+    ASSERT_TRUE(recorder.waitForSound(isSounding));
+    stop();
+    EXPECT_TRUE(recorder.waitForSilence());
+    EXPECT_TRUE(output->isRunning());
+    EXPECT_TRUE(eventually(isPaused));
+}
+
+}  // namespace
+
+}  // namespace tonvale::test
