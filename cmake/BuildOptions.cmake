@@ -6,7 +6,7 @@
 # Link them privately; nothing here is set globally.
 
 option(TONVALE_WARNINGS_AS_ERRORS "Turn compiler warnings into errors" OFF)
-option(TONVALE_COVERAGE "Instrument for coverage" OFF)
+option(TONVALE_COVERAGE "Count how often each line of the layers runs" OFF)
 # A program that is run without being installed finds its resources here.
 set(TONVALE_SOURCE_LOCATION "${PROJECT_SOURCE_DIR}" CACHE PATH
     "Where the sources are said to be in the programs; the same everywhere for equal binaries")
@@ -32,13 +32,12 @@ if(TONVALE_SANITIZERS)
     target_compile_options(tonvale_options INTERFACE
         "-fsanitize=${TONVALE_SANITIZERS}" -fno-omit-frame-pointer -fno-sanitize-recover=all)
     target_link_options(tonvale_options INTERFACE "-fsanitize=${TONVALE_SANITIZERS}")
-elseif(NOT TONVALE_COVERAGE)
+else()
     target_compile_options(tonvale_options INTERFACE
         $<$<NOT:$<CONFIG:Debug>>:-U_FORTIFY_SOURCE$<SEMICOLON>-D_FORTIFY_SOURCE=2>)
 endif()
 
 if(TONVALE_COVERAGE)
-    target_compile_options(tonvale_options INTERFACE --coverage)
     target_link_options(tonvale_options INTERFACE --coverage)
 endif()
 
@@ -55,4 +54,7 @@ function(tonvale_library name)
     target_link_libraries(${name}
         PUBLIC tonvale_options ${arg_LINK}
         PRIVATE tonvale_warnings ${arg_PRIVATE})
+    if(TONVALE_COVERAGE)  # of the layers, not of what tests them
+        target_compile_options(${name} PRIVATE --coverage -Og)
+    endif()
 endfunction()
