@@ -86,6 +86,24 @@ TEST_F(PulseStreamTest, EachSideIsHeardOnItsOwn)
     }
 }
 
+TEST_F(PulseStreamTest, AShortPieceIsHeardWhole)
+{
+    constexpr std::int64_t piece = 2000;  // goes out at once; a busy server may still stumble
+    Recorder recorder;
+    output->start(source);
+    std::size_t exact = 0;
+    for (int round = 0; round < undisturbedRounds && exact != piece; ++round) {
+        const std::size_t before = recorder.frameCount();
+        play(997, piece);
+        ASSERT_TRUE(recorder.waitForSound(isSounding));
+        ASSERT_TRUE(recorder.waitForSilence());
+        const std::vector<float> left = recorder.channel(0);
+        exact = toneIn(left, soundIn(left, before), source, 997);
+        output->discardQueued();
+    }
+    EXPECT_EQ(exact, static_cast<std::size_t>(piece));
+}
+
 TEST_F(PulseStreamTest, AfterAPieceTheStreamPausesUntilThereIsMore)
 {
     constexpr std::int64_t piece =
