@@ -138,11 +138,13 @@ std::optional<Mp4Timing> Mp4Timing::parse(LocalInput& input, std::uint32_t track
     const auto movieHeader = movie ? boxes.find(*movie, "mvhd") : std::nullopt;
     const auto track = movieHeader ? findTrack(boxes, *movie, trackId) : std::nullopt;
     const auto media = track ? boxes.find(*track, "mdia") : std::nullopt;
-    if (!media || !boxes.find(*media, "mdhd")) {
+    const auto mediaHeader = media ? boxes.find(*media, "mdhd") : std::nullopt;
+    if (!mediaHeader) {
         return std::nullopt;
     }
     Mp4Timing timing;
     timing.movieTicksPerSecond = ticksPerSecond(boxes, *movieHeader);
+    timing.mediaTicksPerSecond = ticksPerSecond(boxes, *mediaHeader);
     const auto edits = boxes.find(*track, "edts");
     const auto list = edits ? boxes.find(*edits, "elst") : std::nullopt;
     if (list) {

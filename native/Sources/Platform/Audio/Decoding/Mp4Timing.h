@@ -19,6 +19,7 @@ struct Mp4Timing {
     };
 
     std::int64_t movieTicksPerSecond = 0;
+    std::int64_t mediaTicksPerSecond = 0;
     std::optional<Edit> edit;  ///< the first edit's start, with all edits' durations
 
     /// @param trackId  as in the track's header
