@@ -10,6 +10,9 @@
 
 #include <QSettings>
 
+#include <malloc.h>
+
+#include <cstdlib>
 #include <filesystem>
 
 namespace tonvale {
@@ -31,6 +34,22 @@ TEST(ProcessSetup, LeavesNoPlaceForSettingsOfTheToolkit)
     EXPECT_TRUE(QSettings(QSettings::UserScope, QStringLiteral("QtProject")).allKeys().isEmpty());
     EXPECT_TRUE(std::filesystem::is_empty(home.path()));
 }
+
+// The sanitizers bring their own allocator.
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+TEST(ProcessSetup, HasEveryLargeBlockGivenBackWhenItIsFreed)
+{
+    prepareProcess();
+    // From this one the C library would learn to keep what is smaller.
+    void* volatile larger = std::malloc(1 << 20);
+    std::free(larger);
+    const std::size_t blocks = ::mallinfo2().hblks;
+    void* volatile large = std::malloc(1 << 18);
+    EXPECT_EQ(::mallinfo2().hblks, blocks + 1);  // mapped for itself
+    std::free(large);
+    EXPECT_EQ(::mallinfo2().hblks, blocks);
+}
+#endif
 
 }  // namespace
 }  // namespace tonvale

@@ -8,6 +8,8 @@
 #include <QSettings>
 #include <QtGlobal>
 
+#include <malloc.h>
+
 namespace tonvale {
 
 namespace {
@@ -40,10 +42,21 @@ void storeNoCaches()
     setUnlessSet("MESA_SHADER_CACHE_DISABLE", "true");
 }
 
+/// Left alone, the C library learns from every large block that is freed to keep the next ones, and
+/// a heap for every thread there has been: each panel shown and song saved would cost some KiB.
+void returnFreedMemory()
+{
+    constexpr int largeBlock = 128 * 1024;  // bytes; where the library itself begins
+    mallopt(M_MMAP_THRESHOLD, largeBlock);
+    mallopt(M_TRIM_THRESHOLD, largeBlock);
+    mallopt(M_ARENA_MAX, 2);
+}
+
 }  // namespace
 
 void prepareProcess()
 {
+    returnFreedMemory();
     if (!qEnvironmentVariableIsSet("QT_FORCE_STDERR_LOGGING")) {
         qInstallMessageHandler(discardMessage);
     }
