@@ -19,6 +19,7 @@
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPixmapCache>
 #include <QTreeView>
 #include <QWindow>
 
@@ -82,6 +83,19 @@ TEST_F(OpenPanelDialog, AsksForOneExistingAudioFile)
         dialog.reject();
     });
     EXPECT_EQ(OpenPanel::create()->runModal(), std::nullopt);
+}
+
+TEST_F(OpenPanelDialog, LeavesNoIconsOfFilesInMemory)
+{
+    const QString icon = QStringLiteral("icon of a file");
+    DialogScript script;
+    script.fileDialog([&icon](QFileDialog& dialog) {
+        QPixmapCache::insert(icon, QPixmap(16, 16));
+        dialog.reject();
+    });
+    EXPECT_EQ(OpenPanel::create()->runModal(), std::nullopt);
+    QPixmap kept;
+    EXPECT_FALSE(QPixmapCache::find(icon, &kept));
 }
 
 TEST_F(OpenPanelDialog, HasColumnsAsWideAsSizesTypesAndDates)

@@ -18,6 +18,7 @@
 #include <QHeaderView>
 #include <QLineEdit>
 #include <QMessageBox>
+#include <QPixmapCache>
 #include <QTreeView>
 #include <QWindow>
 
@@ -102,6 +103,7 @@ struct DialogContext {
     {
         const int answer = dialog.exec();
         window.requestActivate();
+        QPixmapCache::clear();  // the icons of this panel, under names that no later one asks for
         return answer;
     }
 };
