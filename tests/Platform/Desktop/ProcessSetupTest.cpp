@@ -41,10 +41,10 @@ TEST(ProcessSetup, HasEveryLargeBlockGivenBackWhenItIsFreed)
 {
     prepareProcess();
     // From this one the C library would learn to keep what is smaller.
-    void* volatile larger = std::malloc(1 << 20);
+    void* volatile larger = std::malloc(16 << 20);
     std::free(larger);
     const std::size_t blocks = ::mallinfo2().hblks;
-    void* volatile large = std::malloc(1 << 18);
+    void* volatile large = std::malloc(12 << 20);  // more than lies free
     EXPECT_EQ(::mallinfo2().hblks, blocks + 1);  // mapped for itself
     std::free(large);
     EXPECT_EQ(::mallinfo2().hblks, blocks);
