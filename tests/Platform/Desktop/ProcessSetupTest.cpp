@@ -45,7 +45,7 @@ TEST(ProcessSetup, HasEveryLargeBlockGivenBackWhenItIsFreed)
     std::free(larger);
     const std::size_t blocks = ::mallinfo2().hblks;
     void* volatile large = std::malloc(12 << 20);  // more than lies free
-    EXPECT_EQ(::mallinfo2().hblks, blocks + 1);  // mapped for itself
+    EXPECT_EQ(::mallinfo2().hblks, blocks + 1);    // mapped for itself
     std::free(large);
     EXPECT_EQ(::mallinfo2().hblks, blocks);
 }
