@@ -20,7 +20,7 @@ class Wakefulness;
 struct AboutPanelOptions;
 
 /// The one window with its menu bar and its views, and what these need of the desktop: the colour
-/// scheme, the artwork, the file panels, the About panel, and that it stays awake.
+/// scheme, the artwork, the file panels, the About panel, and a computer that stays awake.
 /// @thread CONTROL
 class MainScene : public QObject {
     Q_OBJECT
