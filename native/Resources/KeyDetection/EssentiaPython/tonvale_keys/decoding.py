@@ -43,7 +43,8 @@ def command(path: str) -> list[str]:
     whitelists keep a playlist in disguise from opening other files and network addresses.
     """
     return ["ffmpeg", "-v", "error", "-nostdin", "-threads", "1", "-protocol_whitelist", "file",
-            "-format_whitelist", CONTAINERS, "-i", f"file:{path}", "-map", "0:a:0", "-ac", "1", "-ar", str(SAMPLE_RATE), "-f", "f32le", "-"]
+            "-format_whitelist", CONTAINERS, "-i", f"file:{path}", "-map", "0:a:0", "-ac", "1",
+            "-ar", str(SAMPLE_RATE), "-f", "f32le", "-"]
 
 
 class _ErrorTail:
