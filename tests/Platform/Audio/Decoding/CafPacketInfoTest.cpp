@@ -60,6 +60,20 @@ TEST(CafPacketInfoTest, FramesBeyondEverySongAreNotBelieved)
     EXPECT_FALSE(parsed(packetTable(~0ULL, 0)));
 }
 
+TEST(CafPacketInfoTest, ChunksWithoutEndAreNotAllLookedAt)
+{
+    const auto behind = [](int emptyChunks) {
+        Bytes chunks;
+        for (int count = 0; count < emptyChunks; ++count) {
+            append(chunks, chunk("free", {}));
+        }
+        append(chunks, packetTable(5, 0));
+        return chunks;
+    };
+    EXPECT_TRUE(parsed(behind(100)));
+    EXPECT_FALSE(parsed(behind(100'000)));
+}
+
 TEST(CafPacketInfoTest, NoTableOrHalfOfOneIsNone)
 {
     EXPECT_FALSE(parsed({}));

@@ -164,6 +164,20 @@ TEST(Mp4TimingTest, BoxesMayBeLongOrReachToTheEnd)
     EXPECT_EQ(parsed(open)->mediaTicksPerSecond, 44100);
 }
 
+TEST(Mp4TimingTest, BoxesWithoutEndAreNotAllLookedAt)
+{
+    const auto behind = [](int emptyBoxes) {
+        Bytes file;
+        for (int count = 0; count < emptyBoxes; ++count) {
+            append(file, box("free", {}));
+        }
+        append(file, movie(track(1, 44100, {})));
+        return file;
+    };
+    EXPECT_TRUE(parsed(behind(2 * 24 * 3600 + 1))) << "a day of fragments";
+    EXPECT_FALSE(parsed(behind(1'000'000)));
+}
+
 TEST(Mp4TimingTest, WhatIsDamagedOrMissingIsNoTiming)
 {
     const Bytes whole = movie(track(1, 44100, {}));

@@ -16,6 +16,7 @@ namespace {
 
 constexpr std::int64_t fileHeaderSize = 8;
 constexpr std::int64_t chunkHeaderSize = 12;  // four characters and a 64-bit size
+constexpr int mostChunks = 10'000;  // files have a dozen; one of empty chunks would take minutes
 
 std::int64_t bigEndian(std::span<const std::uint8_t> bytes)
 {
@@ -52,7 +53,8 @@ std::optional<CafPacketInfo> CafPacketInfo::parse(LocalInput& input)
 {
     std::array<std::uint8_t, chunkHeaderSize> header = {};
     std::int64_t offset = fileHeaderSize;
-    while (input.readAt(offset, header) == header.size()) {
+    for (int chunk = 0; chunk < mostChunks && input.readAt(offset, header) == header.size();
+         ++chunk) {
         const std::int64_t size = bigEndian(std::span(header).subspan(4));
         const std::int64_t content = offset + chunkHeaderSize;
         if (std::memcmp(header.data(), "pakt", 4) == 0) {

@@ -42,7 +42,8 @@ public:
     {
         const std::uint32_t code = fourCharacterCode(kind);
         std::int64_t offset = from > parent.begin ? from : parent.begin;
-        while (offset + 8 <= parent.end) {
+        while (offset + 8 <= parent.end && boxesLeft_ > 0) {
+            --boxesLeft_;
             std::int64_t size = read32(offset);
             std::int64_t header = 8;
             if (size == 1) {
@@ -80,6 +81,8 @@ public:
 
 private:
     LocalInput& input_;
+    // A day of one-second fragments has fewer; without an end, a file of empty boxes takes minutes.
+    mutable int boxesLeft_ = 200'000;
 };
 
 /// Both movie and media headers: version, two dates, ticks per second.
