@@ -16,9 +16,14 @@ std::string shownStreams()
     return PulseServer::control({"list", "sink-inputs"});
 }
 
+bool shows(const std::string& text)
+{
+    return shownStreams().find(text) != std::string::npos;
+}
+
 bool isPaused()
 {
-    return shownStreams().find("Corked: yes") != std::string::npos;
+    return shows("Corked: yes");
 }
 
 TEST_F(PulseStreamTest, TheStreamHasTheRateOfTheDevice)
@@ -44,8 +49,7 @@ TEST_F(PulseStreamTest, TheMixerShowsWhoPlaysAndWhat)
 {
     output->setTitle("before");
     output->start(source);
-    const auto shown = [] { return PulseServer::control({"list", "sink-inputs"}); };
-    const std::string first = shown();
+    const std::string first = shownStreams();
     EXPECT_NE(first.find("media.name = \"before\""), std::string::npos) << first;
     EXPECT_NE(first.find("application.name = \"Tonvale\""), std::string::npos);
     EXPECT_NE(first.find("application.id = \"io.github.tonvale.Tonvale\""), std::string::npos);
@@ -54,22 +58,17 @@ TEST_F(PulseStreamTest, TheMixerShowsWhoPlaysAndWhat)
     EXPECT_NE(first.find("media.role = \"music\""), std::string::npos);
 
     output->setTitle("Für Elise");
-    EXPECT_TRUE(eventually(
-        [&] { return shown().find("media.name = \"Für Elise\"") != std::string::npos; }));
+    EXPECT_TRUE(eventually([] { return shows("media.name = \"Für Elise\""); }));
 }
 
 TEST_F(PulseStreamTest, ANameThatIsNotUtf8IsShownAsFarAsItIs)
 {
-    const auto shows = [](const std::string& title) {
-        return PulseServer::control({"list", "sink-inputs"}).find("media.name = \"" + title + "\"")
-               != std::string::npos;
-    };
     output->setTitle("caf\xE9.wav");  // of a disk from another time
     output->start(source);
-    EXPECT_TRUE(shows("caf_.wav"));
+    EXPECT_TRUE(shows("media.name = \"caf_.wav\""));
     output->setTitle("\xFC"
                      "ber.wav");
-    EXPECT_TRUE(eventually([&] { return shows("_ber.wav"); }));
+    EXPECT_TRUE(eventually([] { return shows("media.name = \"_ber.wav\""); }));
 }
 
 TEST_F(PulseStreamTest, EachSideIsHeardOnItsOwn)

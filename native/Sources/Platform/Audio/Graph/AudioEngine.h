@@ -66,7 +66,7 @@ public:
     /// With manual rendering: gets every node ready to render from its beginning. Without: opens
     /// the desktop's sound device and waits for it, no longer than three seconds; nothing of the
     /// graph changes if that fails.
-    /// @error PlatformError in the library's words
+    /// @error PlatformError in the library's words; std::system_error when no thread is to be had
     void start();
     void stop() noexcept;
     [[nodiscard]] bool isRunning() const noexcept;

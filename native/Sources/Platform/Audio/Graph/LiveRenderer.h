@@ -33,6 +33,7 @@ class LiveRenderer {
 public:
     /// Starts the thread; it sleeps. @param framesReady  called on it when the device found too
     /// little before and there is more now
+    /// @error std::system_error when there is no thread to be had
     LiveRenderer(AudioNode& graph, LiveFeed& feed, WakeUp& wakeUp,
                  std::function<void()> framesReady);
     /// Waits for the block being rendered.
