@@ -13,11 +13,14 @@ fail() {
     exit 1
 }
 
+may_be_root() {
+    [ "$(id -u)" -eq 0 ] || command -v sudo >/dev/null
+}
+
 as_root() {
     if [ "$(id -u)" -eq 0 ]; then
         "$@"
     else
-        command -v sudo >/dev/null || fail "Please run as root: $*"
         sudo "$@"
     fi
 }
@@ -42,6 +45,7 @@ install_missing() {
         is_installed "$package" || missing+=("$package")
     done
     [ "${#missing[@]}" -gt 0 ] || return 0
+    may_be_root || fail "Please run as root: apt-get install ${missing[*]}"
     echo "Installing ${missing[*]} ..."
     local log
     log=$(mktemp)
