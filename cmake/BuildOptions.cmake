@@ -2,15 +2,15 @@
 #
 # SPDX-License-Identifier: CC0-1.0
 
-# Everything our own targets are compiled with, in two interface targets.
-# Link them privately; nothing here is set globally.
+# Everything our own targets are compiled with, in two interface targets: the options, which hold for
+# whoever links a target of ours too, and the warnings, which each target keeps to itself.
 
 option(TONVALE_WARNINGS_AS_ERRORS "Turn compiler warnings into errors" OFF)
 option(TONVALE_COVERAGE "Count how often each line of the layers runs" OFF)
+set(TONVALE_SANITIZERS "" CACHE STRING "Comma-separated sanitizers, e.g. address,undefined")
 # A program that is run without being installed finds its resources here.
 set(TONVALE_SOURCE_LOCATION "${PROJECT_SOURCE_DIR}" CACHE PATH
     "Where the sources are said to be in the programs; the same everywhere for equal binaries")
-set(TONVALE_SANITIZERS "" CACHE STRING "Comma-separated sanitizers, e.g. address,undefined")
 
 add_library(tonvale_warnings INTERFACE)
 target_compile_options(tonvale_warnings INTERFACE
@@ -41,6 +41,7 @@ if(TONVALE_COVERAGE)
     target_link_options(tonvale_options INTERFACE --coverage)
 endif()
 
+# What every target begins with.
 set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 include(CheckPIESupported)
