@@ -22,6 +22,7 @@ import numpy as np  # noqa: E402
 
 PYTHON = "/usr/bin/python3"
 SEARCH_PATH = "/usr/bin:/bin:/usr/sbin:/sbin"
+PATIENCE_SECONDS = 120  # for a busy machine; only what hangs takes so long
 RATE = 11025
 # Chords as semitones above the tonic: a progression and its cadence leave no doubt about the key.
 MAJOR_SONG = ((0, 4, 7), (5, 9, 12), (7, 11, 14), (0, 4, 7), (9, 12, 16), (2, 5, 9), (7, 11, 14), (0, 4, 7))
@@ -81,7 +82,10 @@ def start_helper(path: str | bytes, script: Path = DETECTION / "detect_key.py", 
 def run_helper(path: str | bytes, **options) -> tuple[int, dict, bytes]:
     """Exit status, the one JSON object on standard output, and standard error."""
     process = start_helper(path, **options)
-    output, errors = process.communicate()
+    try:
+        output, errors = process.communicate(timeout=PATIENCE_SECONDS)
+    finally:
+        process.kill()
     return process.returncode, json.loads(output.decode("utf-8")), errors
 
 

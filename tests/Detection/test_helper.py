@@ -4,6 +4,7 @@
 
 import os
 import re
+import select
 import shutil
 import signal
 import stat
@@ -201,18 +202,23 @@ class DecoderManners(HelperCase):
         np.testing.assert_array_equal(decoding._samples(bad + b"xy"), [0, 0, 0, 0.5])
 
     def test_nothing_is_left_running_when_the_helper_is_killed(self):
-        fifo = self.folder / "decoder.pid"
-        os.mkfifo(fifo)
-        endless = f'echo $$ > {fifo}; exec /usr/bin/ffmpeg -v error -f lavfi -i anoisesrc -f f32le -'
+        path = self.folder / "decoder.pid"
+        os.mkfifo(path)
+        fifo = os.open(path, os.O_RDWR)  # both ways, so that neither side waits for the other
+        self.addCleanup(os.close, fifo)
+        endless = f'echo $$ > {path}; exec /usr/bin/ffmpeg -v error -f lavfi -i anoisesrc -f f32le -'
         process = start_helper(str(self.wav()), search_path=self.stand_in(endless))
-        decoder = int(fifo.read_text())
-        pidfd = os.pidfd_open(decoder)
+        self.addCleanup(process.kill)
+        self.assertTrue(self.is_readable(fifo), "the decoder has not begun")
+        decoder = os.pidfd_open(int(os.read(fifo, 100)))
+        self.addCleanup(os.close, decoder)
         process.send_signal(signal.SIGKILL)
-        process.communicate()
-        import select
+        process.communicate(timeout=support.PATIENCE_SECONDS)
+        self.assertTrue(self.is_readable(decoder), "the decoder has not ended")
 
-        ended, _, _ = select.select([pidfd], [], [], 20)  # readable when the decoder has ended
-        self.assertTrue(ended)
+    def is_readable(self, descriptor: int) -> bool:
+        """Waits for it."""
+        return bool(select.select([descriptor], [], [], support.PATIENCE_SECONDS)[0])
 
 
 class EssentiaTest(HelperCase):

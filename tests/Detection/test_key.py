@@ -2,6 +2,8 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """Chords, features, key decision, spelling and confidence."""
 
+import os
+import tempfile
 import unittest
 
 import support
@@ -123,9 +125,6 @@ class ConfidenceTest(unittest.TestCase):
 
 class WeightsTest(unittest.TestCase):
     def test_file_is_small_and_survives_a_round_trip(self):
-        import os
-        import tempfile
-
         self.assertLess(os.path.getsize(weights.FILE), 64 * 1024)
         stored = weights.load()
         with tempfile.TemporaryDirectory() as folder:
