@@ -14,7 +14,7 @@ from . import chords, profiles
 from .chroma import Chroma
 
 BLOCKS = 82
-_EDGE_SHARE = 0.12  # the part of a song that states its key at the start
+_BEGINNING_SHARE = 0.12  # of a song; both state its key
 _END_SHARE = 0.10
 _LAST_FRAMES = 6
 _SOUNDING_WEIGHT = 0.2
@@ -42,7 +42,7 @@ def _part_means(chroma: Chroma) -> list[np.ndarray]:
     count = len(chroma.weight)
     sounding = np.flatnonzero(chroma.weight > _SOUNDING_WEIGHT)
     parts = (slice(None), slice(count - max(1, int(_END_SHARE * count)), None),
-             slice(0, max(1, int(_EDGE_SHARE * count))), sounding[-_LAST_FRAMES:])
+             slice(0, max(1, int(_BEGINNING_SHARE * count))), sounding[-_LAST_FRAMES:])
     return [_weighted_mean(side[part], chroma.weight[part]) for part in parts
             for side in (chroma.treble, chroma.bass)]
 
@@ -54,11 +54,12 @@ def _distribution_blocks(chroma: Chroma) -> list[np.ndarray]:
     return [energy, _share(np.percentile(relative, 85, axis=0)), _share(strongest_bass)]
 
 
-def _chord_runs(path: np.ndarray, weight: np.ndarray) -> tuple[np.ndarray, np.ndarray, np.ndarray]:
-    """Chord, first frame and length in frames of each run of equal sounding chords."""
-    path = path[weight > _SOUNDING_WEIGHT] if (weight > _SOUNDING_WEIGHT).any() else path
+def _chord_runs(path: np.ndarray, weight: np.ndarray) -> tuple[np.ndarray, np.ndarray]:
+    """Chord and length in frames of each run of equal sounding chords."""
+    sounding = weight > _SOUNDING_WEIGHT
+    path = path[sounding] if sounding.any() else path
     starts = np.flatnonzero(np.r_[True, path[1:] != path[:-1]])
-    return path[starts], starts, np.diff(np.r_[starts, len(path)])
+    return path[starts], np.diff(np.r_[starts, len(path)])
 
 
 def _one_hot(chord: int) -> np.ndarray:
@@ -89,7 +90,7 @@ def _transition_blocks(before: np.ndarray, after: np.ndarray) -> np.ndarray:
 
 def _chord_blocks(chroma: Chroma, path: np.ndarray) -> np.ndarray:
     share = _share(np.bincount(path, chroma.weight, minlength=36))
-    runs, _, lengths = _chord_runs(path, chroma.weight)
+    runs, lengths = _chord_runs(path, chroma.weight)
     before, after = runs[:-1].astype(int), runs[1:].astype(int)
     changes = max(1, len(before))
     bass = chroma.bass.argmax(axis=1)
