@@ -12,11 +12,12 @@ from pathlib import Path
 import numpy as np
 
 import midi_file
+import shipped  # noqa: F401
 import voice
 from midi_file import Note, Song
+from tonvale_keys import decoding
 
 SOUND_FONT = Path("/usr/share/sounds/sf2/FluidR3_GM.sf2")
-ANALYSIS_RATE = 11025
 ENCODERS: dict[str, list[str]] = {
     "wav": [],
     "flac": [],
@@ -102,19 +103,18 @@ def encode(audio: np.ndarray, how: Recording, path: Path) -> None:
 
 def decode(path: Path) -> np.ndarray:
     """The samples as the helper's own decoder command gives them."""
-    command = ["ffmpeg", "-v", "error", "-nostdin", "-i", f"file:{path}", "-map", "0:a:0", "-ac", "1",
-               "-ar", str(ANALYSIS_RATE), "-f", "f32le", "-"]
-    return np.frombuffer(subprocess.run(command, check=True, stdout=subprocess.PIPE).stdout, np.float32)
+    decoded = subprocess.run(decoding.command(str(path)), check=True, stdout=subprocess.PIPE).stdout
+    return np.frombuffer(decoded, np.float32)
 
 
-def record(song: Song, how: Recording, sung: list[Note] | None = None, keep: Path | None = None) -> np.ndarray:
-    """Renders `song` (with `sung` as a voice), spoils, encodes and decodes it; `keep` also keeps the encoded file."""
+def record(song: Song, how: Recording, sung: list[Note] | None = None) -> np.ndarray:
+    """Renders `song` (with `sung` as a voice), spoils, encodes and decodes it."""
     with tempfile.TemporaryDirectory(dir="/dev/shm") as name:
         folder = Path(name)
         audio = synthesize(song, how, folder)
         if sung:
             audio = add_voice(audio, sung, midi_file.seconds_per_tick(song), how)
         audio = spoil(audio, how)
-        target = folder / f"song.{how.encoder}" if keep is None else keep
+        target = folder / f"song.{how.encoder}"
         encode(audio, how, target)
         return decode(target)
