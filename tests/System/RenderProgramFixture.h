@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/inotify.h>
 #include <unistd.h>
 
@@ -108,7 +109,8 @@ protected:
         EXPECT_TRUE(result.standardError.ends_with("\n"));
     }
 
-    /// Blocks until files of these names have appeared in the folder.
+    /// Blocks until files of these names have appeared in the folder; a minute without a new file
+    /// is a failure.
     static void waitForFiles(const std::filesystem::path& folder, std::set<std::string> names,
                              const std::function<void()>& start)
     {
@@ -116,7 +118,9 @@ protected:
         ASSERT_GE(::inotify_add_watch(watch.get(), folder.c_str(), IN_CREATE), 0);
         start();
         alignas(inotify_event) std::array<char, 4096> events{};
+        pollfd news{watch.get(), POLLIN, 0};
         while (!names.empty()) {
+            ASSERT_EQ(::poll(&news, 1, 60'000), 1) << "waited for " << *names.begin() << " in vain";
             const ssize_t count = ::read(watch.get(), events.data(), events.size());
             ASSERT_GT(count, 0);
             for (std::size_t place = 0; place < static_cast<std::size_t>(count);) {
