@@ -10,15 +10,17 @@
 #include <fuzzer/FuzzedDataProvider.h>
 
 #include <array>
+#include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <string>
 
 namespace {
 
-/// The ending is a hint in recognising the format.
-constexpr std::array endings = {"mp3",  "m4a", "flac", "ogg", "wav",
-                                "aiff", "caf", "aac",  "wma", "no ending"};
+/// The ending, where there is one, is a hint in recognising the format.
+constexpr std::array endings = {".mp3",  ".m4a", ".flac", ".ogg", ".wav",
+                                ".aiff", ".caf", ".aac",  ".wma", ""};
 
 }  // namespace
 
@@ -28,7 +30,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     static const tonvale::test::TemporaryFolder folder;
     FuzzedDataProvider choices(data, size);  // takes numbers from the end
     const auto place = choices.ConsumeIntegral<std::uint32_t>();
-    const std::string name = std::string("song.") + choices.PickValueInArray(endings);
+    const std::string name = std::string("song") + choices.PickValueInArray(endings);
     const std::filesystem::path song = folder.path() / name;
     std::ofstream(song, std::ios::binary)
         .write(reinterpret_cast<const char*>(data),

@@ -8,8 +8,12 @@
 
 #include <fuzzer/FuzzedDataProvider.h>
 
+#include <sys/types.h>
+
 #include <algorithm>
 #include <cerrno>
+#include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <memory>
 #include <span>

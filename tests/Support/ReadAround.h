@@ -17,7 +17,7 @@ namespace tonvale::test {
 /// Reads from the start and from elsewhere, as playing and skipping do. What a reader promises of
 /// any song must hold of a damaged one too: a broken promise aborts.
 /// @param reader  an AudioFileReader or a MusicStream
-/// @param place   where to skip to, counted in frames beyond the song's length
+/// @param place   where to skip to, in frames; what exceeds the song's length counts from its start
 /// @error PlatformError when the disk fails
 template <typename Reader>
 void readAround(Reader& reader, std::uint32_t place)
