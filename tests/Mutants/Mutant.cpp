@@ -105,6 +105,7 @@ Bytes damaged(Bytes song, Way way, std::mt19937& random)
 
 std::vector<MutantSource> makeMutantSources()
 {
+    // Each format twice, so that they take equal turns; where it can be, as another kind.
     const std::vector<std::pair<std::string, MusicFormat>> kinds = {
         {"MP3", musicFormat("mp3Constant")},
         {"M4A", musicFormat("m4aAac")},
