@@ -8,6 +8,7 @@
 #include "Platform/Audio/AudioFile.h"
 #include "Platform/Foundation/LocalizedError.h"
 
+#include <cstdint>
 #include <exception>
 #include <iostream>
 #include <string_view>

@@ -21,11 +21,13 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <memory>
 #include <numbers>
+#include <optional>
 #include <thread>
 #include <vector>
 
