@@ -96,6 +96,10 @@ class Metainfo(WithFolder):
                                             CHANGELOG.index("## [1.0.0]")], "")
         self.assertEqual(len(self.releases(empty, "1.1.0")), 1)
 
+    def test_refuses_changes_without_a_heading(self) -> None:
+        with self.assertRaises(SystemExit):
+            self.releases(CHANGELOG.replace("First of all.\n\n### Added\n\n", ""), "1.1.0")
+
     def test_refuses_a_release_without_a_date(self) -> None:
         with self.assertRaises(SystemExit):
             self.releases("## 1.0.0\n\n### Added\n\n- All.\n", "1.0.0")
