@@ -4,9 +4,9 @@
 
 #pragma once
 
+#include "Platform/Desktop/Replaceable.h"
+
 #include <filesystem>
-#include <functional>
-#include <memory>
 #include <optional>
 #include <string>
 
@@ -14,13 +14,8 @@ namespace tonvale {
 
 /// Asks for one existing audio file.
 /// @thread CONTROL
-class OpenPanel {
+class OpenPanel : public Replaceable<OpenPanel> {
 public:
-    /// The panel that replaceFactory() was given.
-    [[nodiscard]] static std::unique_ptr<OpenPanel> create();
-    /// The application sets the real panel at its start, tests set theirs.
-    static void replaceFactory(std::function<std::unique_ptr<OpenPanel>()> factory);
-
     virtual ~OpenPanel() = default;
 
     /// Shows the panel and returns when it is closed; the event loop runs meanwhile.
@@ -29,19 +24,17 @@ public:
 };
 
 /// Asks where to save a WAVE file. Folders can be created in it; it asks before it lets an
-/// existing file be replaced; its answer always ends in ".wav".
+/// existing file be replaced; its answer always ends in ".wav", in small letters or capitals.
 /// @thread CONTROL
-class SavePanel {
+class SavePanel : public Replaceable<SavePanel> {
 public:
-    [[nodiscard]] static std::unique_ptr<SavePanel> create();
-    static void replaceFactory(std::function<std::unique_ptr<SavePanel>()> factory);
-
     virtual ~SavePanel() = default;
 
     std::string title;                   ///< of the panel's window
     std::string nameFieldStringValue;    ///< the proposed file name
     std::filesystem::path directoryURL;  ///< the folder shown first; empty: the panel's choice
 
+    /// As OpenPanel's.
     [[nodiscard]] virtual std::optional<std::filesystem::path> runModal() = 0;
 };
 

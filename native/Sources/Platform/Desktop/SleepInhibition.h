@@ -4,21 +4,15 @@
 
 #pragma once
 
-#include <functional>
-#include <memory>
+#include "Platform/Desktop/Replaceable.h"
 
 namespace tonvale {
 
 /// Keeps the computer from going to sleep by itself while that is wanted; people may still send it
 /// to sleep. Where it cannot be kept awake, nothing happens, and nobody is told.
 /// @thread CONTROL
-class SleepInhibition {
+class SleepInhibition : public Replaceable<SleepInhibition> {
 public:
-    /// The one that replaceFactory() was given.
-    [[nodiscard]] static std::unique_ptr<SleepInhibition> create();
-    /// The application sets the desktop's at its start, tests set theirs.
-    static void replaceFactory(std::function<std::unique_ptr<SleepInhibition>()> factory);
-
     /// Lets it sleep again.
     virtual ~SleepInhibition() = default;
 
