@@ -226,6 +226,16 @@ TEST_F(MainWindow, TellsScreenReadersWhatIsDisabled)
     EXPECT_FALSE(clear->state().disabled);
 }
 
+TEST(MainSceneDeathTest, LeavesNoPanelThatWouldStandBeforeAWindowThatIsGone)
+{
+    {
+        AudioTransposeModel model;
+        const MainScene scene(&model);
+    }
+    EXPECT_EXIT(static_cast<void>(OpenPanel::create()), ::testing::KilledBySignal(SIGABRT), "");
+    EXPECT_EXIT(static_cast<void>(SavePanel::create()), ::testing::KilledBySignal(SIGABRT), "");
+}
+
 TEST(MainSceneDeathTest, WithoutAModelStopsTheProgram)
 {
     EXPECT_EXIT(MainScene(nullptr), ::testing::KilledBySignal(SIGABRT), "");

@@ -11,7 +11,7 @@ namespace tonvale {
 class ColorScheme;
 
 /// Makes OpenPanel and SavePanel the desktop's own file dialogs, or Qt's where it has none, in
-/// front of `window`. Both arguments live as long as panels are shown.
+/// front of `window`. Both arguments live until the two are given other factories, or none.
 /// @thread CONTROL
 void useFileDialogs(QWindow& window, const ColorScheme& scheme);
 

@@ -6,6 +6,7 @@
 
 #include "Platform/Desktop/DesktopSleepInhibition.h"
 #include "Platform/Desktop/FileDialogs.h"
+#include "Platform/Desktop/FilePanels.h"
 #include "Platform/Desktop/StandardAboutPanel.h"
 #include "Platform/Foundation/Precondition.h"
 #include "Tonvale/Model/AudioTransposeModel.h"
@@ -41,8 +42,11 @@ MainScene::MainScene(AudioTransposeModel* model)
     wakefulness_ = std::make_unique<Wakefulness>(*model);
 }
 
+/// What stood on the window goes with it.
 MainScene::~MainScene()
 {
+    OpenPanel::replaceFactory(nullptr);
+    SavePanel::replaceFactory(nullptr);
     StandardAboutPanel::replacePresenter(nullptr);
 }
 
