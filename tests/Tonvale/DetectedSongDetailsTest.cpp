@@ -2,7 +2,7 @@
 //
 // SPDX-License-Identifier: GPL-3.0-or-later
 
-#include "Tonvale/EssentiaKeyDetector.h"
+#include "Tonvale/DetectedSongDetails.h"
 
 #include <gtest/gtest.h>
 
