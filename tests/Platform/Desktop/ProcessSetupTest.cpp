@@ -8,7 +8,10 @@
 
 #include <gtest/gtest.h>
 
+#include <QByteArray>
 #include <QSettings>
+#include <QString>
+#include <QtGlobal>
 
 #include <malloc.h>
 
@@ -18,11 +21,68 @@
 namespace tonvale {
 namespace {
 
-TEST(ProcessSetup, LeavesNoPlaceForSettingsOfTheToolkit)
+/// A variable of the environment that has another value for a while.
+class Variable {
+public:
+    Variable(const char* name, const QByteArray& value) : name_(name), before_(qgetenv(name))
+    {
+        qputenv(name, value);
+    }
+    ~Variable()
+    {
+        if (before_.isNull()) {
+            qunsetenv(name_);
+        } else {
+            qputenv(name_, before_);
+        }
+    }
+    Variable(const Variable&) = delete;
+    Variable& operator=(const Variable&) = delete;
+
+private:
+    const char* name_;
+    QByteArray before_;  // null where it was not set
+};
+
+QStringList messages;
+
+void keepMessage(QtMsgType /*type*/, const QMessageLogContext& /*context*/, const QString& message)
+{
+    messages.append(message);
+}
+
+/// The tests after these have the toolkit's messages again: a warning is a failure there.
+class ProcessSetup : public ::testing::Test {
+protected:
+    ProcessSetup() : handler_(qInstallMessageHandler(keepMessage)) { messages.clear(); }
+    ~ProcessSetup() override { qInstallMessageHandler(handler_); }
+
+private:
+    QtMessageHandler handler_;
+};
+
+TEST_F(ProcessSetup, LetsTheToolkitPrintNothing)
+{
+    prepareProcess();
+    ::testing::internal::CaptureStderr();
+    qWarning("a complaint");
+    EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");
+    EXPECT_TRUE(messages.isEmpty());
+}
+
+TEST_F(ProcessSetup, LetsTheToolkitPrintWhereThatIsAskedFor)
+{
+    const Variable logging("QT_FORCE_STDERR_LOGGING", "1");
+    prepareProcess();
+    qWarning("a complaint");
+    EXPECT_EQ(messages, QStringList{QStringLiteral("a complaint")});
+}
+
+TEST_F(ProcessSetup, LeavesNoPlaceForSettingsOfTheToolkit)
 {
     const test::TemporaryFolder home;
-    qputenv("HOME", home.path().c_str());
-    qputenv("XDG_CONFIG_HOME", home.path().c_str());
+    const Variable homeVariable("HOME", home.path().c_str());
+    const Variable configuration("XDG_CONFIG_HOME", home.path().c_str());
     prepareProcess();
     {
         // As the toolkit's file dialog does when it closes.
@@ -37,7 +97,7 @@ TEST(ProcessSetup, LeavesNoPlaceForSettingsOfTheToolkit)
 
 // The sanitizers bring their own allocator.
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
-TEST(ProcessSetup, HasEveryLargeBlockGivenBackWhenItIsFreed)
+TEST_F(ProcessSetup, HasEveryLargeBlockGivenBackWhenItIsFreed)
 {
     prepareProcess();
     // From this one the C library would learn to keep what is smaller.
