@@ -13,6 +13,8 @@ namespace {
 const QString busName = QStringLiteral("tonvale-test-portal");
 const QString service = QStringLiteral("org.freedesktop.portal.Desktop");
 const QString path = QStringLiteral("/org/freedesktop/portal/desktop");
+const QString appearance = QStringLiteral("org.freedesktop.appearance");
+const QString colorScheme = QStringLiteral("color-scheme");
 
 }  // namespace
 
@@ -34,8 +36,8 @@ FakePortal::~FakePortal()
 
 QDBusVariant FakePortal::Read(const QString& group, const QString& key)
 {
-    EXPECT_EQ(group, QLatin1String("org.freedesktop.appearance"));
-    EXPECT_EQ(key, QLatin1String("color-scheme"));
+    EXPECT_EQ(group, appearance);
+    EXPECT_EQ(key, colorScheme);
     wasAsked_ = true;
     // Read, unlike the change's signal, wraps the value twice.
     return QDBusVariant(QVariant::fromValue(QDBusVariant(static_cast<uint>(preference_))));
@@ -44,15 +46,14 @@ QDBusVariant FakePortal::Read(const QString& group, const QString& key)
 void FakePortal::change(Preference preference)
 {
     preference_ = preference;
-    emit SettingChanged(QStringLiteral("org.freedesktop.appearance"),
-                        QStringLiteral("color-scheme"),
-                        QDBusVariant(static_cast<uint>(preference)));
+    emit SettingChanged(appearance, colorScheme, QDBusVariant(static_cast<uint>(preference)));
 }
 
-void FakePortal::changeAnotherSetting()
+void FakePortal::changeOtherSettings(Preference preference)
 {
-    emit SettingChanged(QStringLiteral("org.freedesktop.appearance"), QStringLiteral("contrast"),
-                        QDBusVariant(static_cast<uint>(dark)));
+    const QDBusVariant value(static_cast<uint>(preference));
+    emit SettingChanged(appearance, QStringLiteral("contrast"), value);
+    emit SettingChanged(QStringLiteral("org.gnome.desktop.interface"), colorScheme, value);
 }
 
 }  // namespace tonvale::test

@@ -24,8 +24,9 @@ public:
 
     /// Changes the setting and tells all who listen.
     void change(Preference preference);
-    /// Tells of a change of another setting, whose value would mean dark here.
-    void changeAnotherSetting();
+    /// Tells of changes of other settings: one of the same group, one of the same key.
+    /// @param preference  their value, for who took them for the colour scheme
+    void changeOtherSettings(Preference preference);
     /// Whether somebody has read the setting.
     [[nodiscard]] bool wasAsked() const noexcept { return wasAsked_; }
 

@@ -29,7 +29,7 @@ bool isPaletteDark()
     return isDark(QGuiApplication::palette());
 }
 
-/// Portals wrap the value once or, older ones, twice.
+/// A signal wraps the value once, the answer to a question twice.
 QVariant unwrapped(QVariant value)
 {
     while (value.canConvert<QDBusVariant>()) {
