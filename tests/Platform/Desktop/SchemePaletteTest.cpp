@@ -13,22 +13,35 @@
 namespace tonvale {
 namespace {
 
-/// A palette of our own: the one that the toolkit's is not.
-QPalette ownPalette()
-{
-    return paletteFor(!isDark(QGuiApplication::palette()));
-}
+/// A palette of our own, dark or light as the parameter says; the toolkit's is the other.
+class SchemePalette : public ::testing::TestWithParam<bool> {
+protected:
+    SchemePalette()
+    {
+        QGuiApplication::setPalette(QPalette(GetParam() ? Qt::white : Qt::black));
+        palette = paletteFor(GetParam());
+    }
+    ~SchemePalette() override { QGuiApplication::setPalette(original_); }
 
-TEST(SchemePalette, IsTheToolkitsWhereThatIsAsWanted)
+    QPalette palette;
+
+private:
+    QPalette original_ = QGuiApplication::palette();
+};
+
+INSTANTIATE_TEST_SUITE_P(DarkAndLight, SchemePalette, ::testing::Bool(),
+                         [](const auto& wanted) { return wanted.param ? "Dark" : "Light"; });
+
+TEST_P(SchemePalette, IsTheToolkitsWhereThatIsAsWantedAndElseAnother)
 {
     const QPalette toolkits = QGuiApplication::palette();
-    EXPECT_EQ(paletteFor(isDark(toolkits)), toolkits);
-    EXPECT_NE(isDark(ownPalette()), isDark(toolkits));
+    EXPECT_EQ(isDark(toolkits), !GetParam());
+    EXPECT_EQ(paletteFor(!GetParam()), toolkits);
+    EXPECT_EQ(isDark(palette), GetParam());
 }
 
-TEST(SchemePalette, ButtonsStandOutFromTheWindowAndListsToo)
+TEST_P(SchemePalette, ButtonsStandOutFromTheWindowAndListsToo)
 {
-    const QPalette palette = ownPalette();
     const QColor window = palette.color(QPalette::Window);
     EXPECT_NE(palette.color(QPalette::Button), window);
     EXPECT_NE(palette.color(QPalette::Base), window);
@@ -37,10 +50,9 @@ TEST(SchemePalette, ButtonsStandOutFromTheWindowAndListsToo)
         << "in both schemes a button is the lighter one";
 }
 
-TEST(SchemePalette, EveryTextIsReadOnItsGround)
+TEST_P(SchemePalette, EveryTextIsReadOnItsGround)
 {
-    const QPalette palette = ownPalette();
-    const auto contrast = [&palette](QPalette::ColorRole text, QPalette::ColorRole ground) {
+    const auto contrast = [this](QPalette::ColorRole text, QPalette::ColorRole ground) {
         return std::abs(palette.color(text).lightness() - palette.color(ground).lightness());
     };
     EXPECT_GT(contrast(QPalette::WindowText, QPalette::Window), 150);
@@ -50,9 +62,8 @@ TEST(SchemePalette, EveryTextIsReadOnItsGround)
     EXPECT_EQ(palette.color(QPalette::Link), palette.color(QPalette::Highlight));
 }
 
-TEST(SchemePalette, WhatIsDisabledOrAHintIsFainter)
+TEST_P(SchemePalette, WhatIsDisabledOrAHintIsFainter)
 {
-    const QPalette palette = ownPalette();
     for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
         EXPECT_EQ(palette.color(QPalette::Disabled, role), QColor(128, 128, 128)) << role;
         EXPECT_NE(palette.color(QPalette::Active, role), QColor(128, 128, 128)) << role;
