@@ -94,6 +94,7 @@ void DialogScript::look()
         return;
     }
     if (deadline_.hasExpired()) {
+        ADD_FAILURE() << "a dialog waits that is not the next one of the script";
         dialog->reject();
         return;
     }

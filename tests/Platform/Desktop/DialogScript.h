@@ -19,7 +19,7 @@ class QWidget;
 namespace tonvale::test {
 
 /// What a user does to the dialogs that come up while a panel runs, one after the other. Ends with
-/// a failure when a dialog of the script does not come, or comes in vain.
+/// a failure when a dialog of the script does not come, or one comes that is not in it.
 class DialogScript : public QObject {
 public:
     DialogScript();

@@ -27,7 +27,8 @@ public:
     /// Grants what it was asked for while it hesitated.
     void grantAtLast();
 
-    /// All it was asked for, with the arguments: "Inhibit Tonvale: ...", "UnInhibit 1".
+    /// All it was asked for, as object, interface and member with the arguments, of each name the
+    /// end: "Inhibit Inhibit.UnInhibit "1"".
     [[nodiscard]] const std::vector<std::string>& calls() const noexcept { return calls_; }
     /// How many inhibitions there are, and were at most.
     [[nodiscard]] int held() const noexcept { return held_; }
