@@ -89,15 +89,13 @@ TEST_F(ModelDetection, RunsOnceWhenCalledTwice)
 
 TEST_F(ModelDetection, IsPossibleWhilePreviewingAndExporting)
 {
-    Internals::fill(*model);  // exporting among others
-    EXPECT_FALSE(model->canAutoDetectSongDetails());
     loadSong();
+    detection.setAnswer(aMinor);
     model->playPreview();
-    EXPECT_TRUE(model->isDetectingSongDetails());
-    model->clear();
-    loadSong();
-    model->playPreview();
+    Internals::setExporting(*model);
     EXPECT_TRUE(model->canAutoDetectSongDetails());
+    detect();
+    EXPECT_EQ(lines(), aMinorLines);
 }
 
 TEST_F(ModelDetection, SaysInThisOrderWhatFailed)

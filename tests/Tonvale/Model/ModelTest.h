@@ -39,6 +39,7 @@ struct AudioTransposeModelInternals {
     static void fill(Model& model);
     static void setDuration(Model& model, double seconds) { model.duration_ = seconds; }
     static void setCurrentTime(Model& model, double seconds) { model.currentTime_ = seconds; }
+    static void setExporting(Model& model) { model.isExporting_ = true; }
     static void setExportMessage(Model& model, const QString& text) { model.exportMessage_ = text; }
 };
 
