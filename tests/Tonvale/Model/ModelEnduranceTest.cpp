@@ -83,6 +83,8 @@ private:
     {
         return std::uniform_real_distribution<double>(low, high)(random_);
     }
+    static std::vector<Command> allCommands();
+    std::vector<std::filesystem::path> makeFiles() const;
     const Command& nextCommand();
     void answerPanels();
     void expectOnlyChanged(const Command& command, const test::Snapshot& before);
@@ -94,9 +96,9 @@ private:
 
     std::mt19937 random_{static_cast<unsigned>(GTEST_FLAG_GET(random_seed))};
     std::size_t threads_ = test::threadCount();
-    std::vector<Command> commands_;
+    const std::vector<Command> commands_ = allCommands();
     std::deque<std::string> log_;
-    std::vector<std::filesystem::path> files_;
+    const std::vector<std::filesystem::path> files_ = makeFiles();
     std::vector<MusicKey> keys_{MusicKey::allCases().begin(), MusicKey::allCases().end()};
     bool isPanelOpen_ = false;
     bool mayPlayUnseen_ = false;  // a start failed while the engine played, and it plays on
@@ -104,10 +106,10 @@ private:
     test::Announcements announcements_{*model};
 };
 
-ModelEndurance::ModelEndurance()
+std::vector<ModelEndurance::Command> ModelEndurance::allCommands()
 {
     const Names preview{"isPreviewing", "fileName", "fileDetail"};
-    commands_ = {
+    return {
         {"load", 6, {"*"}, &ModelEndurance::load},
         {"drop", 4, {}, &ModelEndurance::drop},
         {"choose a file", 2, {"*"}, &ModelEndurance::chooseFile},
@@ -135,17 +137,26 @@ ModelEndurance::ModelEndurance()
         {"take sound", 6, {}, &ModelEndurance::takeSound},
         {"change the device", 1, {}, &ModelEndurance::changeDevice},
     };
+}
+
+/// Songs, and what only looks like one.
+std::vector<std::filesystem::path> ModelEndurance::makeFiles() const
+{
     const auto text = in("note.wav");
     QFile note(QString::fromStdString(text.string()));
     EXPECT_TRUE(note.open(QIODevice::WriteOnly) && note.write("No song, whatever its name.\n") > 0);
-    files_ = {makeSong("song.wav", 30),
-              makeSong("short.aiff", 0.5),
-              makeSong("empty.caf", 0),
-              makeSong("frame.wav", 1.0 / 8000),
-              makeBrokenSong("broken.wav"),
-              in("missing.mp3"),
-              text,
-              folder.path()};
+    return {makeSong("song.wav", 30),
+            makeSong("short.aiff", 0.5),
+            makeSong("empty.caf", 0),
+            makeSong("frame.wav", 1.0 / 8000),
+            makeBrokenSong("broken.wav"),
+            in("missing.mp3"),
+            text,
+            folder.path()};
+}
+
+ModelEndurance::ModelEndurance()
+{
     detection_.setScript(
         "import sys\nif sys.argv[1].endswith('song.wav'):\n"
         "    print('{\"key\": \"A\", \"scale\": \"minor\", \"keyConfidence\": 1}')\n"
