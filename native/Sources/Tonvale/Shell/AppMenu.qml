@@ -15,22 +15,5 @@ Menu {
     topMargin: 4
     implicitWidth: 250
 
-    background: Item {
-        PanelShadow {
-            x: -reach
-            y: 4 - reach
-            width: parent.width + 2 * reach
-            height: parent.height + 2 * reach
-            radius: Theme.radius
-            blurRadius: 16
-            color: Theme.shadow(0.25)
-        }
-
-        Rectangle {
-            anchors.fill: parent
-            radius: Theme.radius
-            color: Theme.popUpBackground
-            border.color: Theme.separator
-        }
-    }
+    background: PopUpGround {}
 }

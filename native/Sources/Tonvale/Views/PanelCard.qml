@@ -4,7 +4,6 @@
 
 import QtQuick
 import QtQuick.Layouts
-import Tonvale.Views
 
 /// The look of the track, keys and preview panels: their parts below each other on a raised card.
 Item {
@@ -13,11 +12,8 @@ Item {
     implicitWidth: column.implicitWidth + 36
     implicitHeight: column.implicitHeight + 36
 
-    PanelShadow {
-        x: -reach
-        y: 12 - reach
-        width: parent.width + 2 * reach
-        height: parent.height + 2 * reach
+    CastShadow {
+        fall: 12
         radius: Theme.radius
         blurRadius: 24
         color: Theme.shadow(0.08)

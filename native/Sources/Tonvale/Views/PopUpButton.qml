@@ -36,9 +36,9 @@ T.ComboBox {
             return;
         if (!popup.visible)
             activated(index);
-        for (; popup.visible && highlightedIndex < index;)
+        while (popup.visible && highlightedIndex < index)
             incrementCurrentIndex();
-        for (; popup.visible && highlightedIndex > index;)
+        while (popup.visible && highlightedIndex > index)
             decrementCurrentIndex();
     }
 
@@ -162,23 +162,6 @@ T.ComboBox {
             }
         }
 
-        background: Item {
-            PanelShadow {
-                x: -reach
-                y: 4 - reach
-                width: parent.width + 2 * reach
-                height: parent.height + 2 * reach
-                radius: Theme.radius
-                blurRadius: 16
-                color: Theme.shadow(0.25)
-            }
-
-            Rectangle {
-                anchors.fill: parent
-                radius: Theme.radius
-                color: Theme.popUpBackground
-                border.color: Theme.separator
-            }
-        }
+        background: PopUpGround {}
     }
 }

@@ -3,12 +3,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 import QtQuick
-import QtQuick.Templates as T
 import Tonvale.Views
 
-/// A button with a text and, if it has one, a symbol before it. The mouse leaves the focus where it
-/// is, so that the space bar keeps its meaning while one clicks about.
-T.Button {
+/// A button with a text and, if it has one, a symbol before it.
+AppButton {
     id: root
 
     property bool isProminent: false
@@ -24,15 +22,6 @@ T.Button {
     horizontalPadding: isLarge ? 18 : 12
     spacing: 6
     font: Theme.control
-    hoverEnabled: true
-    focusPolicy: Qt.TabFocus
-
-    Accessible.role: Accessible.Button
-    Accessible.name: text
-    Accessible.onPressAction: if (enabled) clicked()
-
-    Keys.onReturnPressed: root.clicked()
-    Keys.onEnterPressed: root.clicked()
 
     TextMetrics {
         id: longest

@@ -4,7 +4,6 @@
 
 import QtQuick
 import QtQuick.Templates as T
-import Tonvale.Views
 
 /// What a button's label stands on, in every state of the button.
 Item {
@@ -14,12 +13,9 @@ Item {
     required property bool isDown
     property bool isProminent: false
 
-    PanelShadow {
+    CastShadow {
         visible: root.control.enabled
-        x: -reach
-        y: 1 - reach
-        width: parent.width + 2 * reach
-        height: parent.height + 2 * reach
+        fall: 1
         radius: Theme.controlRadius
         blurRadius: 3
         color: Theme.shadow(0.1)

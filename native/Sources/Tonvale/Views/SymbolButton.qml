@@ -7,23 +7,14 @@ import QtQuick.Templates as T
 import Tonvale.Views
 
 /// A button that shows a symbol only; its text is for screen readers and the tool tip.
-T.Button {
+AppButton {
     id: root
 
     required property string symbol
 
     implicitWidth: 40
     implicitHeight: 24
-    hoverEnabled: true
-    focusPolicy: Qt.TabFocus
     display: T.AbstractButton.IconOnly
-
-    Accessible.role: Accessible.Button
-    Accessible.name: text
-    Accessible.onPressAction: if (enabled) clicked()
-
-    Keys.onReturnPressed: root.clicked()
-    Keys.onEnterPressed: root.clicked()
 
     contentItem: Item {
         SymbolImage {

@@ -4,7 +4,6 @@
 
 import QtQuick
 import QtQuick.Templates as T
-import Tonvale.Views
 
 /// Shows and sets where in the song the preview stands.
 T.Slider {
@@ -131,12 +130,9 @@ T.Slider {
         implicitWidth: 18
         implicitHeight: 18
 
-        PanelShadow {
+        CastShadow {
             visible: root.enabled
-            x: -reach
-            y: 1 - reach
-            width: parent.width + 2 * reach
-            height: parent.height + 2 * reach
+            fall: 1
             radius: 9
             blurRadius: 4
             color: Theme.shadow(0.22)
