@@ -22,8 +22,7 @@ QVariantMap described(QAccessibleInterface& interface)
 {
     QVariantMap entry{{"role", roleName(interface.role())},
                       {"name", interface.text(QAccessible::Name)},
-                      {"description", interface.text(QAccessible::Description)},
-                      {"focusable", static_cast<bool>(interface.state().focusable)}};
+                      {"description", interface.text(QAccessible::Description)}};
     if (QAccessibleValueInterface* value = interface.valueInterface()) {
         entry["value"] = value->currentValue();
         entry["minimum"] = value->minimumValue();

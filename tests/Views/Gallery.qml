@@ -12,13 +12,14 @@ Rectangle {
 
     readonly property var names: Object.keys(ModelStates.states).concat(["hovering", "list", "focus"])
 
+    property bool isDark: false
+    /// What the model shows at first of all that any state changes.
+    property var pristine
+
     function show(name: string): void {
         model.show(pristine);
         model.show(ModelStates.states[name] ?? ModelStates.states["shifted"]);
     }
-
-    property bool isDark: false
-    property var pristine
 
     width: 840
     height: 680
@@ -26,14 +27,10 @@ Rectangle {
 
     Component.onCompleted: {
         const values = {};
-        for (const name in ModelStates.states["fullestLines"])
-            values[name] = model[name];
-        for (const name in ModelStates.states["playing"])
-            values[name] = model[name];
-        for (const name in ModelStates.states["detecting"])
-            values[name] = model[name];
-        for (const name in ModelStates.states["rendering"])
-            values[name] = model[name];
+        for (const state of Object.values(ModelStates.states)) {
+            for (const name in state)
+                values[name] = model[name];
+        }
         pristine = values;
     }
 

@@ -5,9 +5,11 @@
 import QtQuick
 import QtTest
 import Tonvale.ViewTests
+import Tonvale.Views
 import "ModelStates.js" as ModelStates
 
-/// A test case with a fresh model for every test, in which a warning is a failure.
+/// A test case with a fresh model and the same colour scheme for every test, in which a warning is a
+/// failure.
 TestCase {
     id: root
 
@@ -17,13 +19,19 @@ TestCase {
     readonly property DragSimulator drag: DragSimulator {}
     readonly property KeySimulator keys: KeySimulator {}
     readonly property var states: ModelStates.states
+    property bool wasDark
 
     when: windowShown
     visible: true
 
     function init() {
         failOnWarning(/./);
+        wasDark = Theme.isDark;
         model = modelComponent.createObject(root);  // outlives the views of its test
+    }
+
+    function cleanup() {
+        Theme.isDark = wasDark;
     }
 
     /// The first thing below `item` with these values, for example { text: "Clear" }.

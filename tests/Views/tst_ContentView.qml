@@ -202,12 +202,10 @@ ViewTestCase {
     }
 
     function test_both_schemes_are_drawn(data) {
-        const wasDark = Theme.isDark;
         Theme.isDark = data.isDark;
         init_view(states.shifted);
         const picture = pictureOf(view);
         compare(Qt.color(picture.pixel(10, 300)), Theme.windowBackground);
         compare(Qt.color(picture.pixel(60, 300)), Theme.material);
-        Theme.isDark = wasDark;
     }
 }

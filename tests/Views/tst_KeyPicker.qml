@@ -278,7 +278,7 @@ ViewTestCase {
         compare(button.popup.visible, false);
     }
 
-    function test_typing_finds_the_key_in_the_open_list(data) {
+    function test_typing_finds_the_key_in_the_open_list() {
         init_view();
         open();
         type("eb mi");

@@ -9,12 +9,6 @@ ViewTestCase {
     id: root
     name: "Theme"
 
-    readonly property bool wasDark: Theme.isDark
-
-    function cleanup() {
-        Theme.isDark = wasDark;
-    }
-
     /// `colour` laid over an opaque ground.
     function over(colour, ground) {
         const mix = (above, below) => above * colour.a + below * (1 - colour.a);
