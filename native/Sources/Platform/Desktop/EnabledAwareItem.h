@@ -6,8 +6,9 @@
 
 namespace tonvale {
 
-/// Lets assistive technology see which controls of the window are disabled; Qt Quick 6.4 does not
-/// tell. Call it once, with an application object and before any QML is loaded.
+/// Lets assistive technology see which controls of the window are disabled, and takes the titles of
+/// a menu bar for items of it; Qt Quick 6.4 does neither. Call it once, with an application object
+/// and before any QML is loaded.
 /// @thread CONTROL
 void installEnabledAwareAccessibility();
 

@@ -88,8 +88,10 @@ public:
     /// Loads, later, the first item that is a file.
     /// @return whether there is one
     bool handleDrop(const std::vector<std::shared_ptr<ItemProvider>>& providers);
+    /// The same for the views, who know locations only.
     Q_INVOKABLE bool handleDroppedURLs(const QList<QUrl>& urls);
-    /// Opens a song and starts over with it. What is no audio file changes nothing.
+    /// Opens a song and starts over with it. What is no audio file changes nothing; where a song
+    /// does not open, there is none afterwards.
     void load(const std::filesystem::path& url);
     /// Forgets the song. The keys stay, and what is being saved or detected goes on.
     Q_INVOKABLE void clear();

@@ -8,8 +8,8 @@
 
 namespace tonvale {
 
-/// Serves "image://artwork/icon" to the views: the application's icon, looked for anew each time
-/// and never larger than asked for.
+/// Serves "image://artwork/icon" to the views: the application's icon, looked for anew each time.
+/// It is a square, no larger than the longer side that is asked for.
 /// @thread CONTROL
 class ArtworkProvider : public QQuickImageProvider {
 public:

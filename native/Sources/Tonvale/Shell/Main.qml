@@ -23,9 +23,9 @@ ApplicationWindow {
         aboutWindow.orderFront();
     }
 
-    // The content, below the menus, is never smaller than 840 x 680.
     title: "Tonvale"
     color: Theme.windowBackground
+    // The content, below the menus, is never smaller than 840 x 680.
     minimumWidth: 840
     minimumHeight: 680 + menus.height
     width: 900

@@ -12,6 +12,7 @@ namespace tonvale {
 /// Draws `tile` over `size` with its corners kept as they are and its middle row and column
 /// stretched. A tile as large as `size` in one direction is not stretched in it.
 /// @param corner  edge length of the corners, pixels of the tile
+/// @thread ANY that may use `painter`
 void drawNinePatch(QPainter& painter, const QImage& tile, QSize size, int corner);
 
 }  // namespace tonvale
