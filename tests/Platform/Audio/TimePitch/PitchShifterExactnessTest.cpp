@@ -225,6 +225,10 @@ TEST(PitchShifterRobustnessTest, BadConfigurationsAreRefused)
 {
     EXPECT_THROW(PitchShifter({0, 2, 0}), std::invalid_argument);
     EXPECT_THROW(PitchShifter({std::nan(""), 2, 0}), std::invalid_argument);
+    EXPECT_THROW(PitchShifter({-44100, 2, 0}), std::invalid_argument);
+    EXPECT_THROW(PitchShifter({1.1e6, 2, 0}), std::invalid_argument);
+    EXPECT_THROW(PitchShifter({std::numeric_limits<double>::infinity(), 2, 0}),
+                 std::invalid_argument);
     EXPECT_THROW(PitchShifter({44100, 0, 0}), std::invalid_argument);
     EXPECT_THROW(PitchShifter({44100, 2, 2}), std::invalid_argument);
 }

@@ -22,8 +22,9 @@ namespace {
 
 const PitchShifter::Configuration& checked(const PitchShifter::Configuration& configuration)
 {
-    if (!std::isfinite(configuration.sampleRate) || configuration.sampleRate <= 0) {
-        throw std::invalid_argument("The sample rate must be positive.");
+    constexpr double highestRate = 1e6;  // what is tested; far above it sizes overflow
+    if (!(configuration.sampleRate > 0 && configuration.sampleRate <= highestRate)) {
+        throw std::invalid_argument("The sample rate must be positive and at most a million.");
     }
     if (configuration.channelCount == 0 || configuration.workerThreads > 1) {
         throw std::invalid_argument("At least one channel and at most one extra thread.");
@@ -207,8 +208,8 @@ void PitchShifter::Engine::renderUntil(int end) noexcept
     rendered_ = rounded;
 }
 
-// What can wait is done at fixed places of the next block, so that a caller of small blocks does
-// not meet all the work in one call.
+// What can wait is done after two to six sevenths of the next block, so that a caller of small
+// blocks does not meet all the work in one call: not with beginBlock(), nor just before the next.
 void PitchShifter::Engine::continueBlock() noexcept
 {
     while (nextStep_ < stepCount

@@ -26,7 +26,7 @@ namespace tonvale::timepitch {
 class PitchShifter {
 public:
     struct Configuration {
-        double sampleRate = 44100;  ///< Hz; designed for 8000 ... 192000, anything above 0 works
+        double sampleRate = 44100;  ///< Hz, above 0, at most 1e6; designed for 8000 ... 192000
         unsigned channelCount = 2;  ///< at least 1
         /// 0: all work is done by the caller (live). 1: the analysis runs on a second thread beside
         /// the synthesis; worth it when process() gets 16384 frames or more at once (export).
