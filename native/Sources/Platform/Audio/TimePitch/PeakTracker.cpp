@@ -28,7 +28,7 @@ PeakTracker::PeakTracker(const LayerDesign& design, unsigned channelCount)
     : design_(design)
     , channelCount_(channelCount)
     , largestDeviation_(advanceLimit(design.geometry))
-    , flags_(design.binCount + 2 * flagsPerWord)
+    , flags_(design.binCount + flagsPerWord)
     , halfBinAdvance_(2 * design.binCount)
     , wrappedAdvance_(2 * design.binCount)
     , sourceOf_(design.binCount)
@@ -110,7 +110,15 @@ void PeakTracker::findRegions(SpectrumFrame& frame) const noexcept
     }
 }
 
+// The angles of many peaks are computed at once (VectorKernels), so every pass goes over them
+// twice.
 void PeakTracker::link(SpectrumFrame& before, SpectrumFrame& frame) noexcept
+{
+    followOn(frame, before);
+    followBack(before, frame);
+}
+
+void PeakTracker::followOn(const SpectrumFrame& frame, SpectrumFrame& before) noexcept
 {
     sourceOf_.fill(-1);
     int count = 0;
@@ -128,7 +136,12 @@ void PeakTracker::link(SpectrumFrame& before, SpectrumFrame& frame) noexcept
         advanceTo_[bin] = peak.advanceAfter;
         ++count;
     }
-    count = 0;
+}
+
+/// A peak that climbs back to the one that climbed to it shares that one's advance.
+void PeakTracker::followBack(const SpectrumFrame& before, SpectrumFrame& frame) noexcept
+{
+    int count = 0;
     for (SpectralPeak& peak : frame.peaks) {
         peak.previousBin = climb(before.power, peak.bin, frame.power[peak.bin]);
         if (sourceOf_[peak.bin] != peak.previousBin) {

@@ -39,6 +39,8 @@ public:
 private:
     void collect(SpectrumFrame& frame, int begin, int end) noexcept;
     void findRegions(SpectrumFrame& frame) const noexcept;
+    void followOn(const SpectrumFrame& frame, SpectrumFrame& before) noexcept;
+    void followBack(const SpectrumFrame& before, SpectrumFrame& frame) noexcept;
     void prepare(int slot, const SpectrumFrame& before, int binBefore, const SpectrumFrame& frame,
                  int bin) noexcept;
     [[nodiscard]] float advance(int slot, int binSum, int ownBin) const noexcept;
