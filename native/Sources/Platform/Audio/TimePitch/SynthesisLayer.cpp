@@ -3,6 +3,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include <algorithm>
+#include <utility>
 
 #include "Platform/Audio/TimePitch/OnsetSplit.h"
 #include "Platform/Audio/TimePitch/SynthesisLayer.h"
@@ -24,8 +25,8 @@ SynthesisLayer::SynthesisLayer(const LayerDesign& design, const Geometry& geomet
     , gate_(design.geometry, spanGain_, geometry.block)
     , source_(channelCount, design.binCount)
     , target_(channelCount, fft_.binCount())
-    , lowRate_(geometry.block / design.geometry.decimation + 2 * interpolator_.samplesAfter()
-               + kernels::overrun)
+    , lowRate_(geometry.block / design.geometry.decimation + interpolator_.samplesBefore()
+               + interpolator_.samplesAfter())
     , gains_(geometry.block)
 {
     for (std::size_t index = 0; index < pitchRingCount; ++index) {
@@ -53,10 +54,7 @@ void SynthesisLayer::reset(double ratio) noexcept
     for (std::vector<Voice>* voices : {&pitchVoices_, &onsetVoices_}) {
         for (Voice& voice : *voices) {
             voice.ring.clear();
-            voice.span = {};
-            voice.lastWritten = AudibleSpan::openBegin;
-            voice.onset = voice.pitch = -1;
-            voice.limit = 1;
+            voice = Voice(std::move(voice.ring));
         }
     }
     phases_.reset(ratio);
@@ -202,9 +200,11 @@ void SynthesisLayer::addFrame(OverlapRing& ring, unsigned channel, Frames refere
              samples + first - centre, window + wrapped, fft_.size() - first);
 }
 
+// Rendered until the block after the last one that the frames reach into: the interpolation still
+// reads them there, and they are erased with it.
 bool SynthesisLayer::isAlive(const Voice& voice, Frames block) const noexcept
 {
-    return voice.lastWritten + design_.geometry.release > block - 2 * block_;
+    return voice.lastWritten + design_.geometry.release > block - block_;
 }
 
 void SynthesisLayer::interpolate(const Voice& voice, const BlockPart& part) noexcept

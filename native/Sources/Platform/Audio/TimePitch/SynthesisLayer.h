@@ -91,7 +91,6 @@ private:
         float limit = 1;          ///< gain of the gate's limiter
     };
 
-    [[nodiscard]] OverlapRing makeRing(const Geometry& geometry) const;
     struct PreparedFrame {
         std::int64_t number = 0;
         OnsetContext onsets;
@@ -100,6 +99,7 @@ private:
         Voice* sustained = nullptr;  ///< where everything else goes
     };
 
+    [[nodiscard]] OverlapRing makeRing(const Geometry& geometry) const;
     [[nodiscard]] Voice& voiceOf(const Onset& onset, Frames reference, bool isFirst) noexcept;
     void movePhases(const FrameHistory& frames, const Settings& settings) noexcept;
     void synthesisePart(const SpectrumFrame& frame, bool isSustained, Voice& voice) noexcept;
