@@ -46,7 +46,7 @@ void SpanGain::computeCover(Frames firstFrame, Frames lastFrame, Frames position
 {
     constexpr float smallestSum = 0.3F;  // limits the gain where hardly any frame is left
     std::fill_n(gains, count, 0.0F);
-    const Frames earliest = ceilDivide(position - release_ + 1, hop_) * hop_;
+    const Frames earliest = ceilDivide(position - release_, hop_) * hop_;
     for (Frames frame = std::max(firstFrame, earliest);
          frame < position + count + release_ && frame <= lastFrame; frame += hop_) {
         const Frames from = std::max<Frames>(0, frame - release_ - position);

@@ -34,12 +34,10 @@ struct AudibleSpan {
 /// dividing by it restores the level. The ends are integrated Hann windows around `start` and
 /// `end`. Old and new parts meet in phase (PhaseTracker), so amplitudes must add up to 1, not
 /// powers.
+/// @thread constructing: CONTROL or WORKER (allocates); the rest: ANY
 class SpanGain {
 public:
     SpanGain(const LayerGeometry& geometry, const LayerWindows& windows);
-
-    /// Frames to each side of `start` and `end` in which the ends are faded.
-    [[nodiscard]] Frames halfFade() const noexcept { return halfFade_; }
 
     /// Whether all of [position, position + count) is heard at full level without any gain.
     [[nodiscard]] bool isPlain(const AudibleSpan& span, Frames position, int count) const noexcept;
@@ -58,7 +56,7 @@ private:
     const LayerWindows& windows_;
     Frames hop_;
     Frames release_;
-    Frames halfFade_;
+    Frames halfFade_;     ///< frames to each side of `start` and `end` in which the ends are faded
     Array<double> rise_;  ///< a soft start, two half fades long
 };
 

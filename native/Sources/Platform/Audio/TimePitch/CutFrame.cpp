@@ -3,6 +3,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include <algorithm>
+#include <cmath>
 
 #include "Platform/Audio/TimePitch/CutFrame.h"
 
@@ -53,7 +54,7 @@ void CutFrame::computeWindow(Frames framesKept) noexcept
     const double end = static_cast<double>(framesKept) / design_.geometry.decimation;
     const auto size = static_cast<double>(whole.size());
     const auto untouched = static_cast<int>(std::clamp(end - fadeSamples_, 0.0, size));
-    const auto silent = static_cast<int>(std::clamp(end + 1, 0.0, size));
+    const auto silent = static_cast<int>(std::clamp(std::ceil(end), 0.0, size));
     std::copy_n(whole.data(), untouched, window_.data());
     for (int n = untouched; n < silent; ++n) {
         window_[n] = whole[n] * static_cast<float>(raisedCosine((end - n) / fadeSamples_));

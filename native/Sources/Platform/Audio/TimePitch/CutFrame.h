@@ -36,12 +36,13 @@ public:
     [[nodiscard]] const ChannelSpectra& spectra() const noexcept { return spectra_; }
 
 private:
+    static constexpr std::int64_t noFrame = std::numeric_limits<std::int64_t>::min();
+
     void computeWindow(Frames framesKept) noexcept;
 
     const LayerDesign& design_;
     unsigned channelCount_;
     FrameTransform transform_;
-    static constexpr std::int64_t noFrame = std::numeric_limits<std::int64_t>::min();
     std::int64_t number_ = noFrame;  ///< what was analysed last
     Frames end_ = 0;
     double fadeSamples_;  ///< at the layer's own rate

@@ -14,7 +14,6 @@ namespace tonvale::timepitch {
 namespace {
 
 constexpr int reach = 12;  // bins above the band whose peaks still count as neighbours
-constexpr int lowestBin = 3;
 
 /// `values` (by FFT bin of a layer) read between bins at FFT bin `bin` of another one.
 float readBetween(const Array<float>& values, double bin)
@@ -82,10 +81,9 @@ void LowBandChooser::update(const FrameHistory& frames, std::int64_t number, boo
 void LowBandChooser::holdMovement(const SpectrumFrame& frame) noexcept
 {
     constexpr float hold = 0.85F;
-    constexpr int margin = 16;
     int begin = 0;
     for (const SpectralPeak& peak : frame.peaks) {
-        if (begin >= bandEnd_ + margin) {
+        if (begin >= bandEnd_ + reach) {
             break;
         }
         const float now =
@@ -125,7 +123,7 @@ bool LowBandChooser::standsAlone(std::size_t strong) const noexcept
     const int bin = strong_[strong].bin;
     const bool left = strong == 0 || bin - strong_[strong - 1].bin >= smallestGap;
     const bool right = strong + 1 == strong_.size() || strong_[strong + 1].bin - bin >= smallestGap;
-    return left && right && bin < bandEnd_ && bin >= lowestBin;
+    return left && right && bin < bandEnd_;
 }
 
 bool LowBandChooser::isSteady(const FrameHistory& frames, std::int64_t number,
@@ -151,9 +149,10 @@ bool LowBandChooser::isSteady(const FrameHistory& frames, std::int64_t number,
 void LowBandChooser::take(const SpectrumFrame& frame, std::size_t strong) noexcept
 {
     constexpr float deepest = 0.001F;  // -30 dB
+    constexpr int lastKept = 2;        // bins up to here stay with the lowest layer
     const Array<float>& power = frame.power;
     const int bin = strong_[strong].bin;
-    const int left = strong > 0 ? strong_[strong - 1].bin : lowestBin - 1;
+    const int left = strong > 0 ? strong_[strong - 1].bin : lastKept;
     const int right = std::min(
         second_.binCount, strong + 1 < strong_.size() ? strong_[strong + 1].bin : bandEnd_ + reach);
     int begin = bin;

@@ -50,8 +50,8 @@ private:
 
     const LayerDesign& lowest_;
     const LayerDesign& second_;
-    int bandEnd_;  ///< bins of the second layer that the lowest band reaches to
-    float movementPerDifference_;
+    int bandEnd_;                  ///< bins of the second layer that the lowest band reaches to
+    float movementPerDifference_;  ///< (N / 2 pi H)^2: radians of chirp per radian
     Array<float> lowestAtSecond_;  ///< the lowest band's weights by stored bin of the second layer
     Array<float> share_;
     Array<float> lostShare_;

@@ -14,11 +14,12 @@ namespace {
 
 constexpr float serves = 0.5F;  // shares are 0 or 1 except where resampled between layers
 
+/// One past the last stored bin where the layer below also has a part; 0 where there is none.
 int findCrossoverEnd(const LayerDesign& design)
 {
     const Crossover& edge = design.geometry.lower;
     const double bins = (edge.centre + edge.halfWidth) / design.geometry.binWidth();
-    return edge.exists() ? static_cast<int>(std::ceil(bins)) - design.firstBin : 0;
+    return static_cast<int>(std::ceil(bins)) - design.firstBin;
 }
 
 }  // namespace
@@ -64,7 +65,7 @@ void PhaseTracker::advance(const Frame& frame) noexcept
         ++index;
         begin = peak.regionEnd;
     }
-    if (begin > 0) {
+    if (!frame.spectrum.peaks.empty()) {
         std::swap(rotations_, nextRotations_);
     } else if (returning) {
         for (float& rotation : rotations_) {

@@ -113,8 +113,8 @@ void separateReal(const float* __restrict z, int half, const float* __restrict c
 {
     const float* __restrict up = z + 2 * first;
     const float* __restrict down = z + 2 * (half - first);
-    int i = 0;
-    for (; i + lanes <= count; i += lanes) {
+    const int whole = count - count % lanes;
+    for (int i = 0; i < whole; i += lanes) {
         const auto [a, b] = takeApart(up + 2 * i);
         const auto [c, d] = takeApartBackwards(down - 2 * (i + lanes - 1));
         const Vector cosine = *asVector(cosines + first + i);
@@ -125,7 +125,7 @@ void separateReal(const float* __restrict z, int half, const float* __restrict c
         *asVector(imaginary + i) = im;
         *asVector(power + i) += re * re + im * im;
     }
-    for (; i < count; ++i) {
+    for (int i = whole; i < count; ++i) {
         const float a = up[2 * i];
         const float b = up[2 * i + 1];
         const float c = down[-2 * i];
@@ -249,8 +249,8 @@ void filter(const float* in, const float* taps, int length, int count, float* ou
 {
     constexpr int vectors = 4;
     constexpr int stride = vectors * lanes;
-    int first = 0;
-    for (; first + stride <= count; first += stride) {
+    const int whole = count - count % stride;
+    for (int first = 0; first < whole; first += stride) {
         Vector sum[vectors] = {};
         for (int k = 0; k < length; ++k) {
             for (int v = 0; v < vectors; ++v) {
@@ -261,7 +261,7 @@ void filter(const float* in, const float* taps, int length, int count, float* ou
             *asVector(out + first + v * lanes) = sum[v];
         }
     }
-    for (; first < count; ++first) {
+    for (int first = whole; first < count; ++first) {
         float sum = 0;
         for (int k = 0; k < length; ++k) {
             sum += taps[k] * in[first + k];
