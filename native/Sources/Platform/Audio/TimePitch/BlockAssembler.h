@@ -24,7 +24,6 @@ public:
     /// @return the number taken
     int push(std::span<const float* const> channels, unsigned offset, unsigned count) noexcept;
 
-    [[nodiscard]] int filled() const noexcept { return filled_; }
     [[nodiscard]] bool isFull() const noexcept { return filled_ == block_; }
     /// Starts the next block; the samples stay readable until something is pushed.
     void startNext() noexcept { filled_ = 0; }

@@ -11,6 +11,7 @@ namespace tonvale::timepitch {
 
 /// Brings samples of a layer's own rate back to the song's rate: a Kaiser-windowed sinc, one set of
 /// taps per phase; samples that exist at the low rate are copied.
+/// @thread WORKER, one at a time; only constructing allocates
 class Interpolator {
 public:
     /// @param largestCount  samples of the low rate that one call may make room for

@@ -19,7 +19,7 @@ LayerDesign::LayerDesign(const LayerGeometry& layerGeometry)
     constexpr int kernelReach = 3;
     constexpr int secondLayer = 1;  // may serve peaks of the lowest band (LowBandChooser)
     constexpr float silenceOfSample = 1e-16F;
-    const int lastBin = geometry.decimatedSize() / 2 + 1;
+    const int allBins = geometry.decimatedSize() / 2 + 1;
     int low = 0;
     int high = static_cast<int>(bandWeights.size());
     while (geometry.index != secondLayer && low < high && bandWeights[low] == 0) {
@@ -29,7 +29,7 @@ LayerDesign::LayerDesign(const LayerGeometry& layerGeometry)
         --high;
     }
     firstBin = std::max(0, low - margin);
-    binCount = std::min(lastBin, high + margin) - firstBin;
+    binCount = std::min(allBins, high + margin) - firstBin;
     activeBegin = std::max(carriesDc() ? 1 : kernelReach, low - firstBin);
     activeEnd = std::min(high - firstBin, binCount - kernelReach);
     const auto size = static_cast<float>(geometry.size());

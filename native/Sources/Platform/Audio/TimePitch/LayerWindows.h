@@ -17,6 +17,7 @@ namespace tonvale::timepitch {
 ///
 /// The long attack side gives frequency resolution without latency: only +-R is ever heard.
 /// p adds up to 1 over the frames of one layer (Hann windows overlapped four times, squared).
+/// @thread constructing and lagWindow(): CONTROL or WORKER (they allocate); the rest: ANY
 class LayerWindows {
 public:
     explicit LayerWindows(const LayerGeometry& geometry);

@@ -24,7 +24,7 @@ namespace tonvale::timepitch {
 ///         transforming: any one thread at a time, no allocation or lock
 class RealFft {
 public:
-    /// @param size  a multiple of 4; fastest when it has no prime factors above 3
+    /// @param size  even; fastest when it has no prime factors above 3
     explicit RealFft(int size);
 
     [[nodiscard]] int size() const noexcept { return size_; }

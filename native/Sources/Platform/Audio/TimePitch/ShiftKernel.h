@@ -23,6 +23,7 @@ namespace tonvale::timepitch {
 /// that is too far, steady tones get the three inner taps, and all five serve the moving ones.
 /// Measured: rounding to whole bins costs 8 ... 15 dB on moving tones, three taps for all cost
 /// 1 ... 4 dB there, five taps for all 10 dB on steady ones.
+/// @thread constructing: CONTROL or WORKER (allocates); taps(): ANY
 class ShiftKernel {
 public:
     ShiftKernel(const LayerGeometry& geometry, const LayerWindows& windows);

@@ -14,6 +14,7 @@ namespace tonvale::timepitch {
 
 /// Spectra of all channels, real and imaginary parts apart (so that one instruction works on
 /// several bins), with room at both ends for loops that work in whole vectors.
+/// @thread ANY, one at a time; only constructing allocates
 class ChannelSpectra {
 public:
     static constexpr int padding = 16;  ///< bins that may be touched beyond either end
@@ -60,6 +61,7 @@ struct SpectralPeak {
 };
 
 /// What the analysis knows about one frame of one layer.
+/// @thread as FrameHistory
 struct SpectrumFrame {
     SpectrumFrame(unsigned channelCount, int binCount);
     void clear() noexcept;
@@ -72,6 +74,8 @@ struct SpectrumFrame {
 };
 
 /// The last frames of a layer, addressed by frame number (reference = number times hop).
+/// @thread WORKER: one writes the newest frame and the link to it from the one before, while
+///         another may read those before these two; only constructing allocates
 class FrameHistory {
 public:
     /// Frames kept. The synthesis looks back at most eight, the analysis runs ahead by at most
