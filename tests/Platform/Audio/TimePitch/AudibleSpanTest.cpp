@@ -75,6 +75,31 @@ TEST_F(AudibleSpanTest, TwoNeighbourSpansAddUpToOneAroundTheBorder)
     EXPECT_TRUE(gain_.isPlain(after, border + 4096, 512));
 }
 
+TEST_F(AudibleSpanTest, EndsAreIntegratedHannWindowsOfThreeMilliseconds)
+{
+    constexpr Frames half = 66;
+    const AudibleSpan span{AudibleSpan::openBegin, AudibleSpan::openEnd, 20000, 24000};
+    const std::vector<float> start = gains(span, 19900, 200);
+    const std::vector<float> end = gains(span, 23900, 200);
+    for (Frames i = 0; i < 200; ++i) {
+        const auto index = static_cast<std::size_t>(i);
+        const double fromStart = static_cast<double>(19900 + i - 20000 + half) / (2 * half);
+        const double toEnd = static_cast<double>(24000 + half - 23900 - i) / (2 * half);
+        EXPECT_NEAR(static_cast<double>(start[index]), hannRise(fromStart), 1e-6) << i;
+        EXPECT_NEAR(static_cast<double>(end[index]), hannRise(toEnd), 1e-6) << i;
+    }
+}
+
+TEST_F(AudibleSpanTest, BlocksArePlainWhereNeitherFrameNorFadeIsMissing)
+{
+    // Frames reach 2048 to both sides, fades 66.
+    const AudibleSpan span{20480, 40960, 20000, 40000};
+    EXPECT_FALSE(gain_.isPlain(span, 20000 + 2114, 512));
+    EXPECT_TRUE(gain_.isPlain(span, 20000 + 2115, 512));
+    EXPECT_TRUE(gain_.isPlain(span, 40000 - 2115 - 512, 512));
+    EXPECT_FALSE(gain_.isPlain(span, 40000 - 2114 - 512, 512));
+}
+
 TEST_F(AudibleSpanTest, SilentBlocksAreThoseWhoseGainsAreAllZero)
 {
     const AudibleSpan span{20480, 24576, 20000, 24000};

@@ -79,6 +79,61 @@ TEST_P(CutFrameTest, CutBehindTheWindowChangesNothingAndCutBeforeItLeavesNothing
     }
 }
 
+TEST_P(CutFrameTest, FadesOutWithinAMillisecondAndAHalfBeforeTheCut)
+{
+    const LayerGeometry& layer = design_.geometry;
+    const double fade = 0.0015 * rate / layer.decimation;
+    const Frames start = reference_ - layer.attack;
+    const int frames = 13312 / layer.decimation;
+    for (const Frames end : {reference_, reference_ + 1, reference_ + 3}) {
+        const double cut = static_cast<double>(end - start) / layer.decimation;
+        for (int n = static_cast<int>(cut - fade) - 2; n < static_cast<int>(cut) + 3; ++n) {
+            // The spectrum of a single sample is as strong on every bin as the window there.
+            InputHistory input(1, frames, frames);
+            input.tail(0)[start / layer.decimation + n] = 1;
+            input.commit(frames);
+            CutFrame frame(design_, 1);
+            frame.analyse(reference_ / layer.hop, end, input);
+            const double wanted =
+                static_cast<double>(design_.windows.analysis()[n]) * raisedCosine((cut - n) / fade);
+            EXPECT_NEAR(std::hypot(frame.spectra().real(0)[5], frame.spectra().imaginary(0)[5]),
+                        wanted, 1e-5 * layer.decimation)
+                << "sample " << n << ", cut at " << cut;
+        }
+    }
+}
+
+TEST_P(CutFrameTest, IsMadeAnewForAnotherFrameOrCutAndAfterAReset)
+{
+    const int frames = 13312 / design_.geometry.decimation;
+    const auto history = [frames](std::uint32_t seed) {
+        InputHistory input(1, frames, frames);
+        const test::Channel samples =
+            test::noise(0.5, static_cast<std::size_t>(frames), 1, seed)[0];
+        std::copy(samples.begin(), samples.end(), input.tail(0));
+        input.commit(frames);
+        return input;
+    };
+    const InputHistory one = history(1);
+    const InputHistory other = history(2);
+    const std::int64_t number = reference_ / design_.geometry.hop;
+    CutFrame fresh(design_, 1);
+    CutFrame used(design_, 1);
+    const auto isFresh = [&] { return difference(used, fresh) < -150; };
+    used.analyse(number, reference_, one);
+    fresh.analyse(number, reference_ + 100, other);
+    used.analyse(number, reference_ + 100, other);
+    EXPECT_TRUE(isFresh()) << "another cut";
+    fresh.analyse(number - 1, reference_ + 100, one);
+    used.analyse(number - 1, reference_ + 100, one);
+    EXPECT_TRUE(isFresh()) << "another frame";
+    used.analyse(number - 1, reference_ + 100, other);
+    EXPECT_TRUE(isFresh()) << "it was done already";
+    used.reset();
+    used.analyse(number - 1, reference_ + 100, other);
+    EXPECT_FALSE(isFresh()) << "nothing is known any more";
+}
+
 INSTANTIATE_TEST_SUITE_P(Layers, CutFrameTest, testing::Values(0, 1, 2));
 
 }  // namespace

@@ -2,6 +2,9 @@
 //
 // SPDX-License-Identifier: GPL-3.0-or-later
 
+#include <cmath>
+#include <vector>
+
 #include <gtest/gtest.h>
 
 #include "Platform/Audio/TimePitch/Geometry.h"
@@ -32,6 +35,38 @@ TEST(GeometryTest, LatencyStaysNearTheDesignAtEveryRate)
         EXPECT_GT(seconds, 0.100) << rate;
         EXPECT_LT(seconds, 0.150) << rate;  // factors are at most sqrt(1.5) off
     }
+}
+
+TEST(GeometryTest, SizesFollowEveryRateWithinAQuarter)
+{
+    const Geometry design = makeGeometry(44100);
+    for (double rate = 5600; rate < 400000; rate *= 1.013) {
+        const Geometry geometry = makeGeometry(rate);
+        const double factor = static_cast<double>(geometry.longestWindow) / design.longestWindow;
+        EXPECT_GT(factor * 44100 / rate, 1 / std::sqrt(1.5) - 1e-9) << rate;
+        EXPECT_LT(factor * 44100 / rate, std::sqrt(1.5) + 1e-9) << rate;
+    }
+    EXPECT_EQ(makeGeometry(100).longestWindow, design.longestWindow / 8) << "and no smaller";
+}
+
+TEST(GeometryTest, LayersWorkAtTheLowestRateThatHoldsTheirBandAnOctaveUp)
+{
+    const auto decimations = [](double rate) {
+        std::vector<int> result;
+        for (const LayerGeometry& layer : makeGeometry(rate).layers) {
+            result.push_back(layer.decimation);
+        }
+        return result;
+    };
+    using Decimations = std::vector<int>;
+    EXPECT_EQ(decimations(8000), (Decimations{1, 1}));
+    EXPECT_EQ(decimations(22050), (Decimations{2, 1, 1}));
+    EXPECT_EQ(decimations(32000), (Decimations{4, 1, 1}));
+    EXPECT_EQ(decimations(44100), (Decimations{4, 2, 1}));
+    EXPECT_EQ(decimations(64000), (Decimations{8, 2, 1}));
+    EXPECT_EQ(decimations(96000), (Decimations{8, 4, 1}));
+    EXPECT_EQ(decimations(192000), (Decimations{8, 8, 1}));
+    EXPECT_EQ(decimations(768000), (Decimations{8, 8, 1}));
 }
 
 TEST(GeometryTest, HopsAndDecimationsDivideEverything)
@@ -78,9 +113,12 @@ TEST(GeometryTest, OnlyTheLayerWithTheShortestWindowsCanWait)
 TEST(GeometryTest, LayersWithoutABandAreLeftOut)
 {
     EXPECT_EQ(makeGeometry(2000).layers.size(), 1U);
+    EXPECT_EQ(makeGeometry(3190).layers.size(), 1U);  // the second needs 1600 Hz
+    EXPECT_EQ(makeGeometry(3210).layers.size(), 2U);
     EXPECT_EQ(makeGeometry(8000).layers.size(), 2U);
     EXPECT_FALSE(makeGeometry(8000).layers.back().upper.exists());
-    EXPECT_EQ(makeGeometry(16000).layers.size(), 3U);
+    EXPECT_EQ(makeGeometry(9390).layers.size(), 2U);
+    EXPECT_EQ(makeGeometry(9410).layers.size(), 3U);
 }
 
 TEST(GeometryTest, ShiftedBandFitsTheDecimatedRate)

@@ -49,6 +49,23 @@ TEST_F(OnsetSplitTest, OnlyBinsThatRoseAreNew)
     EXPECT_EQ(split_.oldShare()[60], 1);
 }
 
+TEST_F(OnsetSplitTest, AllHeardBinsAreDivided)
+{
+    for (const LayerGeometry& layer : makeGeometry(44100).layers) {
+        const LayerDesign design(layer);
+        FrameHistory frames(1, design.binCount);
+        const Onset onset{
+            .position = 10 * layer.hop, .layers = 7, .number = 0, .remainder = {1, 1, 1}};
+        frames.at(10).spreadPower.fill(1);  // and nothing before
+        OnsetSplit split(design);
+        split.update(frames, 10, {.current = &onset, .next = nullptr});
+        for (int k = layer.index == 0 ? 0 : design.activeBegin; k < design.activeEnd; ++k) {
+            ASSERT_EQ(split.newShare()[k], 1) << k << " of layer " << layer.index;
+            ASSERT_EQ(split.oldShare()[k], 0) << k << " of layer " << layer.index;
+        }
+    }
+}
+
 TEST_F(OnsetSplitTest, ComparisonIsWithTheLastFrameThatEndedBefore)
 {
     EXPECT_EQ(OnsetSplit::frameBefore(design_.geometry, onset_), 8);  // ends at 8 + 2 hops

@@ -3,6 +3,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include <cmath>
+#include <utility>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -136,6 +138,69 @@ TEST_F(PhaseTrackerTest, CrossoverPeakFollowsTheLayerBelow)
     const double expected = static_cast<double>(low.rotation(0))
                             + 0.25 * static_cast<double>(advance) / 1024 * distance;
     EXPECT_NEAR(wrapPhase(static_cast<double>(tracker_.rotation(0)) - expected), 0, 2e-3);
+}
+
+/// The rotation that a bin of a tracker stands at, as a new peak inherits it: it has no advance.
+float inherited(PhaseTracker& tracker, const LayerDesign& design, int bin)
+{
+    SpectrumFrame frame(1, design.binCount);
+    const Array<float> share(design.binCount);
+    frame.peaks.push_back(
+        {.bin = 5, .regionEnd = design.binCount, .previousBin = bin, .valley = 0});
+    tracker.advance({frame, 0, 1.25, share, nullptr, 0, nullptr, nullptr});
+    return tracker.rotation(0);
+}
+
+TEST_F(PhaseTrackerTest, RotationIsKeptForEveryBinOfARegion)
+{
+    const auto advance = static_cast<float>(design_.expectedAdvance(100));
+    frame_.peaks.insert(frame_.peaks.begin(), {.bin = 100,
+                                               .regionEnd = 150,
+                                               .previousBin = 100,
+                                               .valley = 0,
+                                               .advanceBefore = advance,
+                                               .advanceAfter = advance});
+    for (const int asked : {0, 99, 149, 150, design_.binCount - 1}) {
+        PhaseTracker tracker(design_);
+        tracker.reset(1.25);
+        tracker.advance({frame_, 1024, 1.25, share_, nullptr, 0, nullptr, nullptr});
+        const float wanted = tracker.rotation(asked < 150 ? 0 : 1);
+        ASSERT_NE(tracker.rotation(0), tracker.rotation(1));
+        EXPECT_EQ(inherited(tracker, design_, asked), wanted) << asked;
+    }
+}
+
+TEST_F(PhaseTrackerTest, BinsThatAreServedForTheLayerBelowAreHandedToIt)
+{
+    const LayerDesign lowDesign(makeGeometry(44100).layers[0]);
+    tracker_.reset(1.25);
+    const auto rotation = static_cast<double>(next(1.25));
+    const double speed = 0.25 * design_.expectedAdvance(bin) / design_.geometry.hop;
+    const double distance = -lowDesign.windows.phaseOffset();  // this layer has none
+    Array<float> share(lowDesign.binCount);
+    share.fill(1);
+    share[40] = 0.4F;  // less than a half
+    for (const int asked : {0, 1, 40, lowDesign.binCount - 1}) {
+        PhaseTracker low(lowDesign);
+        low.reset(1.25);
+        tracker_.handTo(low, share);
+        const double wanted = asked == 40 ? 0 : rotation - speed * distance;
+        const auto handed = static_cast<double>(inherited(low, lowDesign, asked));
+        EXPECT_NEAR(wrapPhase(handed - wanted), 0, 2e-3) << asked;
+    }
+}
+
+TEST_F(PhaseTrackerTest, RotationsReturnWhileNothingSoundsToo)
+{
+    tracker_.reset(1.25);
+    next(1.25);
+    next(1);
+    const std::vector<SpectralPeak> peaks = std::exchange(frame_.peaks, {});
+    for (int m = 0; m < 200; ++m) {
+        tracker_.advance({frame_, 0, 1, share_, nullptr, 0, nullptr, nullptr});
+    }
+    frame_.peaks = peaks;
+    EXPECT_EQ(next(1), 0);
 }
 
 TEST_F(PhaseTrackerTest, RegionsMoveByTheirPeaksFrequency)

@@ -4,9 +4,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
-#include <memory>
-#include <new>
 #include <random>
 #include <string>
 #include <utility>
@@ -14,49 +11,8 @@
 
 #include <gtest/gtest.h>
 
+#include "GuardedMemory.h"
 #include "TestSignals.h"
-
-namespace {
-
-thread_local bool countingAllocations = false;
-thread_local int allocations = 0;
-
-void* allocate(std::size_t size, std::size_t alignment)
-{
-    allocations += countingAllocations ? 1 : 0;
-    void* memory = std::aligned_alloc(alignment, (size + alignment - 1) / alignment * alignment);
-    if (memory == nullptr) {
-        throw std::bad_alloc();
-    }
-    return memory;
-}
-
-}  // namespace
-
-void* operator new(std::size_t size)
-{
-    return allocate(size, alignof(std::max_align_t));
-}
-void* operator new(std::size_t size, std::align_val_t alignment)
-{
-    return allocate(size, static_cast<std::size_t>(alignment));
-}
-void operator delete(void* memory) noexcept
-{
-    std::free(memory);
-}
-void operator delete(void* memory, std::size_t) noexcept
-{
-    std::free(memory);
-}
-void operator delete(void* memory, std::align_val_t) noexcept
-{
-    std::free(memory);
-}
-void operator delete(void* memory, std::size_t, std::align_val_t) noexcept
-{
-    std::free(memory);
-}
 
 namespace tonvale::timepitch {
 namespace {
@@ -182,8 +138,7 @@ TEST(LiveProcessTest, ProcessingChangingAndResettingNeverAllocate)
     Signal out = in;
     const float* from[] = {in[0].data(), in[1].data()};
     float* to[] = {out[0].data(), out[1].data()};
-    allocations = 0;
-    countingAllocations = true;
+    const test::AllocationCounter allocations;
     for (int call = 0; call < 400; ++call) {
         if (call % 7 == 0) {
             shifter.setPitch(static_cast<float>((call * 37) % 1200 - 600));
@@ -193,17 +148,7 @@ TEST(LiveProcessTest, ProcessingChangingAndResettingNeverAllocate)
         }
         shifter.process(from, to, 480);
     }
-    countingAllocations = false;
-    EXPECT_EQ(allocations, 0);
-}
-
-TEST(LiveProcessTest, AllocationsAreCounted)  // so that the test above can fail
-{
-    allocations = 0;
-    countingAllocations = true;
-    const auto text = std::make_unique<std::string>(100, 'x');
-    countingAllocations = false;
-    EXPECT_EQ(allocations, 2);
+    EXPECT_EQ(allocations.count(), 0);
 }
 
 TEST(PrimingTest, StartInTheMiddleSoundsAsTheSongDoesThere)

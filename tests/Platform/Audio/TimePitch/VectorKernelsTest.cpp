@@ -105,9 +105,9 @@ TEST(VectorKernelsTest, RunsOfAnyLengthGoWhereTheyShouldAndNowhereElse)
 
 TEST(VectorKernelsTest, FilterIsTheSumOfProducts)
 {
-    const Array<float> in = randomValues(120, 4);
     const Array<float> taps = randomValues(12, 5);
-    for (const int count : {1, 31, 32, 37, 100}) {
+    for (const int count : {1, 31, 32, 37, 64, 100}) {
+        const Array<float> in = randomValues(count + 11, 4);
         Array<float> out(count);
         kernels::filter(in.data(), taps.data(), 12, count, out.data());
         for (int i = 0; i < count; ++i) {
@@ -128,6 +128,116 @@ TEST(VectorKernelsTest, RowsAreInterleaved)
         kernels::interleaveRows(rows.data(), 50, rowCount, 37, out.data());
         for (int i = 0; i < out.size(); ++i) {
             EXPECT_EQ(out[i], rows[i % rowCount * 50 + i / rowCount]);
+        }
+    }
+}
+
+// The arrays of these tests are as long as the loops may reach: see GuardedMemory.h.
+constexpr std::array<int, 6> counts{0, 1, 7, 8, 13, 40};
+
+TEST(VectorKernelsTest, ElementwiseLoopsTakeAllOfTheirCountAndNoMore)
+{
+    for (const int count : counts) {
+        const Array<float> a = randomValues(count, 7);
+        const Array<float> b = randomValues(count, 8);
+        const Array<float> before = randomValues(count, 9);
+        Array<float> product(count);
+        Array<float> more = randomValues(count, 9);
+        Array<float> less = randomValues(count, 9);
+        Array<float> sum = randomValues(count, 9);
+        Array<float> same(count);
+        kernels::multiply(a.data(), b.data(), count, product.data());
+        kernels::multiplyAdd(a.data(), b.data(), count, more.data());
+        kernels::multiplySubtract(a.data(), b.data(), count, less.data());
+        kernels::add(a.data(), count, sum.data());
+        kernels::sanitise(a.data(), count, same.data());
+        for (int i = 0; i < count; ++i) {
+            EXPECT_EQ(product[i], a[i] * b[i]);
+            EXPECT_EQ(more[i], before[i] + a[i] * b[i]);
+            EXPECT_EQ(less[i], before[i] - a[i] * b[i]);
+            EXPECT_EQ(sum[i], before[i] + a[i]);
+            EXPECT_EQ(same[i], a[i]);
+        }
+    }
+}
+
+TEST(VectorKernelsTest, AnglesAndTheirSinesAreThoseOfEveryPoint)
+{
+    for (const int count : counts) {
+        const Array<float> x = randomValues(count, 10);
+        const Array<float> y = randomValues(count, 11);
+        Array<float> angle(count);
+        Array<float> sine(count);
+        Array<float> cosine(count);
+        kernels::angles(y.data(), x.data(), count, angle.data());
+        kernels::sinesAndCosines(angle.data(), count, sine.data(), cosine.data());
+        for (int i = 0; i < count; ++i) {
+            EXPECT_NEAR(angle[i], std::atan2(y[i], x[i]), 2e-6F);
+            EXPECT_NEAR(sine[i], y[i] / std::hypot(x[i], y[i]), 4e-6F);
+            EXPECT_NEAR(cosine[i], x[i] / std::hypot(x[i], y[i]), 4e-6F);
+        }
+    }
+}
+
+TEST(VectorKernelsTest, SumsOfThreeLeaveBothEndsAlone)
+{
+    for (const int count : {3, 9, 20}) {
+        const Array<float> a = randomValues(count, 12);
+        Array<float> out(count);
+        kernels::sumOfThree(a.data(), count, out.data());
+        EXPECT_EQ(out[0], 0);
+        EXPECT_EQ(out[count - 1], 0);
+        for (int i = 1; i < count - 1; ++i) {
+            EXPECT_EQ(out[i], a[i - 1] + a[i] + a[i + 1]);
+        }
+    }
+}
+
+TEST(VectorKernelsTest, MaximaAreLookedForInTheirRangeOnly)
+{
+    Array<float> power(14);
+    Array<std::uint8_t> flags(14);
+    flags.fill(7);
+    for (const int peak : {2, 6, 11}) {
+        power[peak] = 1;
+    }
+    kernels::flagMaxima(power.data(), 3, 11, 0, flags.data());
+    for (int k = 0; k < 14; ++k) {
+        EXPECT_EQ(flags[k], k < 3 || k >= 11 ? 7 : k == 6 ? 1 : 0) << k;
+    }
+}
+
+TEST(VectorKernelsTest, RatiosAreTakenOfAmplitudesAfterTheScale)
+{
+    for (const int count : {1, 9}) {
+        Array<float> before(count);
+        Array<float> now(count);
+        Array<float> share(count);
+        before.fill(0.5F);
+        now.fill(2);
+        kernels::amplitudeRatios(before.data(), now.data(), 1.44F, 0.5F, 0.9F, count, share.data());
+        for (const float each : share) {
+            EXPECT_NEAR(each, (0.6F - 0.5F) / 0.4F, 1e-5F);
+        }
+    }
+}
+
+TEST(VectorKernelsTest, DecimationReachesAsFarAsItsTaps)
+{
+    constexpr int pairs = 3;
+    constexpr int reach = 2 * pairs - 1;
+    const Array<float> taps = randomValues(pairs, 13);
+    for (const int count : {1, 8, 21}) {
+        const Array<float> in = randomValues(2 * reach + 2 * count - 1, 14);
+        Array<float> out(count);
+        kernels::halfBandDecimate(in.data() + reach, taps.data(), pairs, count, out.data());
+        for (int j = 0; j < count; ++j) {
+            const int middle = reach + 2 * j;
+            float expected = 0.5F * in[middle];
+            for (int p = 0; p < pairs; ++p) {
+                expected += taps[p] * (in[middle - 2 * p - 1] + in[middle + 2 * p + 1]);
+            }
+            EXPECT_NEAR(out[j], expected, 1e-6F);
         }
     }
 }
