@@ -99,6 +99,39 @@ TEST_F(Mp3, TwoJoinedFilesAreBothHeard)
     EXPECT_LE(largestDifference(start, readAll(first), 0), 1e-4F);
 }
 
+/// The largest of a channel's last frames.
+float loudest(const std::vector<float>& samples, std::int64_t frames)
+{
+    const auto [least, most] = std::minmax_element(samples.end() - frames, samples.end());
+    return std::max(-*least, *most);
+}
+
+TEST_F(Mp3, AJoinedPartOfOneChannelIsHeardOnBothSides)
+{
+    const auto mono = MusicFixtures::shared().encode(
+        musicFormat("mp3Constant"), makeRecording(3 * 44100, 44100, 1), "mono.mp3");
+    AudioFileReader reader(write(joined(song("mp3Constant"), readBytes(mono))));
+    EXPECT_EQ(reader.format().channelCount, 2U);
+    const Samples samples = readAll(reader);
+    EXPECT_NE(samples[0], samples[1]);
+    constexpr std::int64_t part = 2 * 44100;
+    EXPECT_TRUE(std::equal(samples[0].end() - part, samples[0].end(), samples[1].end() - part));
+    EXPECT_GT(loudest(samples[0], part), 0.3F);
+}
+
+TEST_F(Mp3, AJoinedPartOfAnotherRateIsSilent)
+{
+    const auto faster = MusicFixtures::shared().encode(
+        musicFormat("mp3Constant"), makeRecording(3 * 48000, 48000), "faster.mp3");
+    AudioFileReader reader(write(joined(song("mp3Constant"), readBytes(faster))));
+    EXPECT_EQ(reader.format().sampleRate, 44100);
+    EXPECT_GT(reader.length(), songLength() + 2 * 44100);
+    const Samples samples = readAll(reader);
+    EXPECT_EQ(loudest(samples[0], 2 * 44100), 0.0F);
+    EXPECT_EQ(loudest(samples[1], 2 * 44100), 0.0F);
+    EXPECT_GT(loudest(samples[1], 4 * 44100), 0.3F) << "the part before it is not";
+}
+
 TEST_F(Mp3, ByteCountThatDoesNotFitIsNotTrusted)
 {
     for (const bool isTooLarge : {false, true}) {
