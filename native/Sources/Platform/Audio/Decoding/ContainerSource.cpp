@@ -194,7 +194,6 @@ void ContainerSource::open(DiskFailures failures)
     }
     context->pb = io.get();
     context->io_open = &refuseToOpen;
-    context->flags |= AVFMT_FLAG_CUSTOM_IO;
     if (isNamed(format_, "ogg")) {
         // After a seek the library would invent the time stamps that a page does not give.
         context->flags |= AVFMT_FLAG_NOFILLIN;

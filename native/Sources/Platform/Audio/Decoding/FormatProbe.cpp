@@ -43,10 +43,10 @@ std::int64_t endOfLeadingTags(LocalInput& input)
 const AVInputFormat* guess(std::vector<std::uint8_t>& bytes, std::size_t count,
                            const std::string& name, int& score)
 {
-    AVProbeData data = {};
-    data.filename = name.c_str();
-    data.buf = bytes.data();
-    data.buf_size = static_cast<int>(count);
+    const AVProbeData data = {.filename = name.c_str(),
+                              .buf = bytes.data(),
+                              .buf_size = static_cast<int>(count),
+                              .mime_type = nullptr};
     return av_probe_input_format3(&data, 1, &score);
 }
 

@@ -61,7 +61,6 @@ void FrameDecoder::restart()
         throw decoderError(outOfMemoryError);
     }
     int result = avcodec_parameters_to_context(codec_.get(), parameters_.get());
-    codec_->thread_count = 1;
     codec_->pkt_timebase = tickDuration_;
     codec_->max_samples = maximumBlockFrames * maximumChannelCount;
     codec_->flags2 |= AV_CODEC_FLAG2_SKIP_MANUAL;  // MusicExtent trims, at both ends

@@ -91,9 +91,6 @@ bool FramedSource::next(AVPacket& packet)
     }
     std::memcpy(packet.data, bytes.data(), bytes.size());
     packet.pts = tick;
-    packet.dts = tick;
-    packet.duration = found->header.frames;
-    packet.pos = found->offset;
     return true;
 }
 
