@@ -5,6 +5,8 @@
 #include "Platform/Audio/Output/SoundTest.h"
 #include "Support/ProcessState.h"
 
+#include <chrono>
+
 namespace tonvale::test {
 
 namespace {
@@ -112,6 +114,8 @@ TEST_F(PulseStreamTest, AfterAPieceTheStreamPausesUntilThereIsMore)
     ASSERT_TRUE(eventually([this] { return source.given() == piece; }));
     ASSERT_TRUE(eventually(isPaused));
     EXPECT_EQ(output->underrunCount(), 0U) << "the end of a piece is none";
+    EXPECT_TRUE(eventually([this] { return !source.isAskedWithin(std::chrono::milliseconds(50)); }))
+        << "a paused stream asks for nothing";
 
     source.offer(piece);  // it goes on after all
     output->framesReady();
@@ -134,6 +138,31 @@ TEST_F(PulseStreamTest, AFewHundredMillisecondsAreTakenAheadAtMost)
     EXPECT_LT(source.given(), 48000 / 5);
     server.thaw();
     EXPECT_TRUE(eventually([this] { return source.given() > 48000; }));
+}
+
+TEST_F(PulseStreamTest, AStopFadesOutAndWhatComesNextIsHeardWhole)
+{
+    constexpr std::int64_t piece = 2000;
+    Recorder recorder;
+    output->start(source);
+    bool isExact = false;
+    for (int round = 0; round < undisturbedRounds && !isExact; ++round) {
+        const std::size_t before = recorder.frameCount();
+        play(997);
+        ASSERT_TRUE(recorder.waitForSound(isSounding));
+        stop();
+        play(1501, piece);
+        ASSERT_TRUE(eventually([this] { return source.given() == piece; }));
+        ASSERT_TRUE(recorder.waitForSilence());
+        const std::vector<float> left = recorder.channel(0);
+        const std::size_t begin = soundIn(left, before);
+        const std::size_t full = toneThenFade(left, begin, source);
+        const std::size_t next = soundIn(left, begin + full + fadeFrames);
+        isExact = full > 0 && toneIn(left, next, source, 1501) == piece
+                  && soundIn(left, next + piece) == left.size();
+        output->discardQueued();
+    }
+    EXPECT_TRUE(isExact);
 }
 
 TEST_F(PulseStreamTest, WhatIsQueuedIsNotHeardAfterAStop)

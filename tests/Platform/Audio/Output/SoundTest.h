@@ -12,8 +12,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <memory>
+#include <numbers>
 #include <vector>
 
 namespace tonvale::test {
@@ -76,6 +78,37 @@ inline std::size_t toneIn(const std::vector<float>& samples, std::size_t from,
         ++count;
     }
     return count;
+}
+
+inline constexpr std::size_t fadeFrames = 240;  // 5 ms
+
+/// What comes `frame` frames behind the last one at full level.
+inline float faded(const ToneSource& source, std::size_t fullFrames, std::size_t frame)
+{
+    const double angle = std::numbers::pi * static_cast<double>(frame + 1) / fadeFrames;
+    const auto place = static_cast<std::int64_t>(fullFrames + frame);
+    return static_cast<float>((0.5 + 0.5 * std::cos(angle)) * source.tone(997, place));
+}
+
+/// How many frames of a 997 Hz tone, from `begin` on, came before its fade; 0 when it has none.
+inline std::size_t toneThenFade(const std::vector<float>& left, std::size_t begin,
+                                const ToneSource& source)
+{
+    std::size_t end = begin + toneIn(left, begin, source, 997);
+    while (end < left.size() && left[end] != 0.0F) {
+        ++end;
+    }
+    if (end + 1 < begin + fadeFrames || end == left.size()) {
+        return 0;
+    }
+    const std::size_t full = end + 1 - begin - fadeFrames;  // the fade's last frame is silent
+    for (std::size_t frame = 0; frame < fadeFrames; ++frame) {
+        // Two roundings to float apart, at most.
+        if (std::abs(left[begin + full + frame] - faded(source, full, frame)) > 1e-7F) {
+            return 0;
+        }
+    }
+    return full;
 }
 
 }  // namespace tonvale::test

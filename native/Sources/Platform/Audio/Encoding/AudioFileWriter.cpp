@@ -89,7 +89,6 @@ struct AudioFileWriter::Disk {
         io.seek = [](sf_count_t offset, int whence, void* self) {
             return of(self).seek(offset, whence);
         };
-        io.read = [](void*, sf_count_t, void*) { return sf_count_t{0}; };
         io.write = [](const void* bytes, sf_count_t count, void* self) {
             return of(self).write(static_cast<const char*>(bytes), count);
         };

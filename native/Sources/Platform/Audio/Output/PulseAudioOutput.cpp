@@ -59,7 +59,6 @@ void PulseAudioOutput::startMainLoop()
             static_cast<PulseAudioOutput*>(self)->fill();
         },
         this);
-    api.defer_enable(wakeUp_, 0);
     timer_ = api.time_new(
         &api, nullptr,
         [](pa_mainloop_api*, pa_time_event*, const timeval*, void* self) {
@@ -97,7 +96,7 @@ void PulseAudioOutput::prepare(AudioOutputSource& source)
     isStarving_ = false;
     isDry_ = true;
     isRunning_ = true;
-    loop_->api().defer_enable(wakeUp_, 1);
+    fillSoon();
 }
 
 void PulseAudioOutput::setTitle(std::string_view title)
@@ -119,7 +118,7 @@ void PulseAudioOutput::framesReady() noexcept
     // find the device waiting, or it finds the frames.
     if (isWaiting_.exchange(false)) {
         const PulseMainLoop::Lock lock(*loop_);
-        loop_->api().defer_enable(wakeUp_, 1);
+        fillSoon();
     }
 }
 
@@ -135,6 +134,11 @@ void PulseAudioOutput::streamRanDry(std::int64_t end) noexcept
     isDry_ = true;
     isStarving_ = isFollowing_ && end >= followedFrom_;
     fill();
+}
+
+void PulseAudioOutput::fillSoon() noexcept
+{
+    loop_->api().defer_enable(wakeUp_, 1);
 }
 
 void PulseAudioOutput::fill() noexcept
@@ -237,7 +241,7 @@ void PulseAudioOutput::discardQueued() noexcept
         isFollowing_ = false;
         isStarving_ = false;
         isDry_ = true;  // little is left: what comes next may come too late to follow it
-        loop_->api().defer_enable(wakeUp_, 1);  // there may have been frames in the meantime
+        fillSoon();     // there may have been frames in the meantime
     }
 }
 

@@ -49,6 +49,7 @@ private:
     void close() noexcept;
     void prepare(AudioOutputSource& source);
 
+    void fillSoon() noexcept;
     void fill() noexcept;
     [[nodiscard]] bool pour() noexcept;
     [[nodiscard]] std::int64_t pourOnce(std::int64_t room) noexcept;

@@ -34,7 +34,6 @@ void wake(void* loop)
 
 void PulseConnection::Disconnect::operator()(pa_context* context) const noexcept
 {
-    pa_context_set_state_callback(context, nullptr, nullptr);
     pa_context_disconnect(context);
     pa_context_unref(context);
 }

@@ -50,7 +50,6 @@ pa_buffer_attr bufferLengths(std::uint32_t sampleRate)
     lengths.tlength = bytes(serverMilliseconds);
     lengths.prebuf = 0;  // starts with what it has
     lengths.minreq = bytes(deviceMilliseconds);
-    lengths.fragsize = static_cast<std::uint32_t>(-1);
     return lengths;
 }
 
