@@ -76,11 +76,11 @@ TEST_F(AudioFileWriting, CountsTheFramesWritten)
     AudioFile file = AudioFile::forWriting(folder.path() / "a.wav", settingsFor(44100, 2));
     EXPECT_EQ(file.length(), 0);
     const auto buffer = AudioPCMBuffer::create(file.processingFormat(), 100);
-    for (const std::uint32_t frames : {0U, 70U, 0U}) {
+    for (const std::uint32_t frames : {0U, 70U, 1U, 0U}) {
         buffer->setFrameLength(frames);
         file.write(*buffer);
     }
-    EXPECT_EQ(file.length(), 70);
+    EXPECT_EQ(file.length(), 71);
 }
 
 TEST_F(AudioFileWriting, RefusesUnknownContainersAndSettingsBeforeTouchingTheDisk)
@@ -93,7 +93,10 @@ TEST_F(AudioFileWriting, RefusesUnknownContainersAndSettingsBeforeTouchingTheDis
     EXPECT_TRUE(refuses(folder.path() / "a.mp3", settingsFor(44100, 2)));
     EXPECT_TRUE(refuses(folder.path() / ".wav", settingsFor(44100, 2)));
     EXPECT_TRUE(refuses(url, settingsFor(44100, 0)));
+    EXPECT_TRUE(refuses(url, settingsFor(44100, 65)));
     EXPECT_TRUE(refuses(url, settingsFor(0, 2)));
+    EXPECT_TRUE(refuses(url, settingsFor(0.9, 2)));
+    EXPECT_TRUE(refuses(url, settingsFor(1e6 + 1, 2)));
     AudioFileSettings settings = settingsFor(44100, 2);
     settings.linearPCMBitDepth = 24;
     EXPECT_TRUE(refuses(url, settings));
@@ -104,6 +107,16 @@ TEST_F(AudioFileWriting, RefusesUnknownContainersAndSettingsBeforeTouchingTheDis
     settings.linearPCMIsFloat = true;
     EXPECT_TRUE(refuses(url, settings));
     EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
+}
+
+TEST_F(AudioFileWriting, TakesEveryRateAndNumberOfChannelsThatCanBe)
+{
+    const auto url = folder.path() / "a.wav";
+    for (const auto& [sampleRate, channelCount] :
+         {std::pair(1.0, 2U), {1e6, 2U}, {44100.0, 64U}, {44100.4, 1U}}) {
+        const test::Channels silence(channelCount, std::vector<float>(3));
+        EXPECT_NO_THROW(test::writeSong(url, sampleRate, silence)) << sampleRate;
+    }
 }
 
 TEST_F(AudioFileWriting, TellsWhyAFileCannotBeCreated)
