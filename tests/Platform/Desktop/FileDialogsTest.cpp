@@ -104,6 +104,7 @@ TEST_F(OpenPanelDialog, HasColumnsAsWideAsSizesTypesAndDates)
     script.fileDialog([](QFileDialog& dialog) {
         const auto* const files = dialog.findChild<QTreeView*>(QStringLiteral("treeView"));
         ASSERT_NE(files, nullptr);
+        EXPECT_EQ(dialog.size(), QSize(760, 480).expandedTo(dialog.sizeHint()));
         EXPECT_GE(files->columnWidth(0), 200) << "no room for names";
         for (int column = 1; column < files->header()->count(); ++column) {
             EXPECT_EQ(files->header()->sectionResizeMode(column), QHeaderView::ResizeToContents);

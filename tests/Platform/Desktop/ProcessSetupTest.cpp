@@ -15,8 +15,14 @@
 
 #include <malloc.h>
 
+#include <algorithm>
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <latch>
+#include <string>
+#include <thread>
+#include <vector>
 
 namespace tonvale {
 namespace {
@@ -108,6 +114,40 @@ TEST_F(ProcessSetup, HasEveryLargeBlockGivenBackWhenItIsFreed)
     EXPECT_EQ(::mallinfo2().hblks, blocks + 1);    // mapped for itself
     std::free(large);
     EXPECT_EQ(::mallinfo2().hblks, blocks);
+}
+
+/// How many heaps the C library keeps.
+std::size_t heapCount()
+{
+    char* text = nullptr;
+    std::size_t size = 0;
+    std::FILE* const stream = ::open_memstream(&text, &size);
+    ::malloc_info(0, stream);
+    std::fclose(stream);
+    const std::string report(text, size);
+    std::free(text);
+    std::size_t count = 0;
+    for (std::size_t at = 0; (at = report.find("<heap ", at)) != std::string::npos; ++at) {
+        ++count;
+    }
+    return count;
+}
+
+TEST(ProcessSetup, HasThreadsShareTwoHeaps)
+{
+    const std::size_t before = heapCount();
+    prepareProcess();
+    constexpr int threadCount = 8;
+    std::latch allAllocate(threadCount);
+    std::vector<std::jthread> threads;
+    for (int number = 0; number < threadCount; ++number) {
+        threads.emplace_back([&allAllocate] {
+            const std::vector<char> block(5000);
+            allAllocate.arrive_and_wait();  // one that ended would leave its heap to the next
+        });
+    }
+    threads.clear();
+    EXPECT_EQ(heapCount(), std::max<std::size_t>(before, 2));
 }
 #endif
 

@@ -316,6 +316,24 @@ TEST_F(ModelPreview, EndsWithTheSong)
     expectPlaying(true);
 }
 
+TEST_F(ModelPreview, PlaysASongOfLessThanASecondToItsEnd)
+{
+    loadSong(0.5);
+    model->setTimelinePreview(0.75);
+    EXPECT_EQ(model->currentTime(), 0.5);
+    model->setTimelinePreview(0.25);
+    EXPECT_EQ(model->currentTime(), 0.25);
+    model->playPreview();
+    clock.advance(0.125);
+    tick();
+    EXPECT_EQ(model->currentTime(), 0.375);
+    expectPlaying(true);
+    clock.advance(0.125);
+    tick();
+    EXPECT_EQ(model->currentTime(), 0.5);
+    expectPlaying(false);
+}
+
 TEST_F(ModelPreview, NeverEndsASongWithoutDuration)
 {
     loadSong(0);

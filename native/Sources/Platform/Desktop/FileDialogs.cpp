@@ -55,20 +55,6 @@ void selectBaseName(const QFileDialog& dialog)
     }
 }
 
-/// The question whether to replace a file is a window of its own and would not take on the palette.
-class QuestionDressingDialog : public QFileDialog {
-protected:
-    void childEvent(QChildEvent* event) override
-    {
-        auto* const question = qobject_cast<QMessageBox*>(event->child());
-        if (event->polished() && question != nullptr) {
-            question->setPalette(palette());
-            takeIconsOff(*question);
-        }
-        QFileDialog::childEvent(event);
-    }
-};
-
 /// Qt's own dialog opens with columns too narrow for sizes, types and dates.
 void widenColumns(QFileDialog& dialog)
 {
@@ -81,31 +67,56 @@ void widenColumns(QFileDialog& dialog)
     dialog.resize(QSize(760, 480).expandedTo(dialog.sizeHint()));
 }
 
-/// What both panels have in common.
+/// Tells the window manager over which window a dialog stands.
+void putOver(QWidget& dialog, QWindow& window)
+{
+    dialog.winId();  // makes the window that the parent is told to
+    dialog.windowHandle()->setTransientParent(&window);
+}
+
 struct DialogContext {
     QWindow& window;
     const ColorScheme& scheme;
+};
 
-    void prepare(QFileDialog& dialog) const
+/// What both panels have in common.
+class PanelDialog : public QFileDialog {
+public:
+    explicit PanelDialog(const DialogContext& context) : window_(context.window)
     {
-        dialog.setPalette(paletteFor(scheme.isDark()));
-        dialog.setSupportedSchemes({QStringLiteral("file")});
-        dialog.setOption(QFileDialog::HideNameFilterDetails);
-        widenColumns(dialog);
-        takeIconsOff(dialog);
-        dialog.winId();  // makes the window that the parent is told to
-        dialog.windowHandle()->setTransientParent(&window);
+        setPalette(paletteFor(context.scheme.isDark()));
+        setSupportedSchemes({QStringLiteral("file")});
+        setOption(QFileDialog::HideNameFilterDetails);
+        widenColumns(*this);
+        takeIconsOff(*this);
+        putOver(*this, window_);
     }
 
     /// A question and the panel under it close at once, and some window managers then leave no
     /// window with the keyboard.
-    int run(QFileDialog& dialog) const
+    int exec() override
     {
-        const int answer = dialog.exec();
-        window.requestActivate();
+        const int answer = QFileDialog::exec();
+        window_.requestActivate();
         QPixmapCache::clear();  // the icons of this panel, under names that no later one asks for
         return answer;
     }
+
+protected:
+    /// The question whether to replace a file is a window of its own and would not take on the
+    /// palette.
+    void childEvent(QChildEvent* event) override
+    {
+        auto* const question = qobject_cast<QMessageBox*>(event->child());
+        if (event->polished() && question != nullptr) {
+            question->setPalette(palette());
+            takeIconsOff(*question);
+        }
+        QFileDialog::childEvent(event);
+    }
+
+private:
+    QWindow& window_;
 };
 
 class FileOpenDialog : public OpenPanel {
@@ -114,12 +125,11 @@ public:
 
     std::optional<std::filesystem::path> runModal() override
     {
-        QuestionDressingDialog dialog;
+        PanelDialog dialog(context_);
         dialog.setAcceptMode(QFileDialog::AcceptOpen);
         dialog.setFileMode(QFileDialog::ExistingFile);
         dialog.setNameFilter(audioNameFilter());
-        context_.prepare(dialog);
-        if (context_.run(dialog) != QDialog::Accepted || dialog.selectedFiles().isEmpty()) {
+        if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) {
             return std::nullopt;
         }
         return toPath(dialog.selectedFiles().constFirst());
@@ -135,7 +145,7 @@ public:
 
     std::optional<std::filesystem::path> runModal() override
     {
-        QuestionDressingDialog dialog;
+        PanelDialog dialog(context_);
         setUp(dialog);
         while (askForName(dialog)) {
             const QString chosen = dialog.selectedFiles().constFirst();
@@ -157,7 +167,6 @@ private:
         dialog.setNameFilter(QStringLiteral("WAVE audio (*.wav)"));
         dialog.setWindowTitle(QString::fromStdString(title));
         dialog.setLabelText(QFileDialog::LookIn, QStringLiteral("Save in:"));
-        context_.prepare(dialog);
         if (!directoryURL.empty()) {
             dialog.setDirectory(toName(directoryURL));
         }
@@ -165,12 +174,12 @@ private:
     }
 
     /// @return whether there is one
-    bool askForName(QFileDialog& dialog) const
+    static bool askForName(QFileDialog& dialog)
     {
         // The dialog selects the whole name as it opens.
         QMetaObject::invokeMethod(
             &dialog, [&dialog] { selectBaseName(dialog); }, Qt::QueuedConnection);
-        return context_.run(dialog) == QDialog::Accepted && !dialog.selectedFiles().isEmpty();
+        return dialog.exec() == QDialog::Accepted && !dialog.selectedFiles().isEmpty();
     }
 
     /// A dialog's own default suffix would spare every name that has a dot in it.
@@ -191,8 +200,7 @@ private:
         question.setDefaultButton(QMessageBox::No);
         question.setPalette(dialog.palette());
         takeIconsOff(question);
-        question.winId();
-        question.windowHandle()->setTransientParent(&context_.window);
+        putOver(question, context_.window);
         return question.exec() == QMessageBox::Yes;
     }
 

@@ -43,12 +43,12 @@ void storeNoCaches()
 }
 
 /// Left alone, the C library learns from every large block that is freed to keep the next ones, and
-/// a heap for every thread there has been: each panel shown and song saved would cost some KiB.
+/// keeps a heap for every thread there has been: each panel shown and song saved would cost some
+/// KiB.
 void returnFreedMemory()
 {
     constexpr int largeBlock = 128 * 1024;  // bytes; where the library itself begins
-    mallopt(M_MMAP_THRESHOLD, largeBlock);
-    mallopt(M_TRIM_THRESHOLD, largeBlock);
+    mallopt(M_MMAP_THRESHOLD, largeBlock);  // any such call ends the learning
     mallopt(M_ARENA_MAX, 2);
 }
 
