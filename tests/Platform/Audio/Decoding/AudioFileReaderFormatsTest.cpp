@@ -8,6 +8,7 @@
 #include "Support/MusicFixtures.h"
 
 #include <gtest/gtest.h>
+#include <malloc.h>
 
 #include <algorithm>
 #include <array>
@@ -131,6 +132,28 @@ TEST_P(EveryFormat, GivesTheSameFramesFromAnyStartInAnyBlocks)
         EXPECT_LE(largestDifference(part, whole, start), tolerance)
             << "from " << start << " in blocks of " << blockSize;
     }
+}
+
+/// Bytes that the C library has given out.
+std::size_t memoryInUse()
+{
+    const struct mallinfo2 account = ::mallinfo2();
+    return account.uordblks + account.hblkhd;
+}
+
+TEST_P(EveryFormat, TakesNoMoreMemoryHoweverOftenItIsRead)
+{
+    AudioFileReader reader(MusicFixtures::shared().file(GetParam()));
+    const auto readBothEnds = [&reader] {
+        static_cast<void>(readFrames(reader, 0, 40000, 4096));
+        static_cast<void>(readFrames(reader, reader.length() - 40000, reader.length(), 4096));
+    };
+    readBothEnds();
+    const std::size_t before = memoryInUse();
+    for (int round = 0; round < 10; ++round) {
+        readBothEnds();
+    }
+    EXPECT_LT(memoryInUse(), before + 100'000) << "some of each packet or seek is kept";
 }
 
 /// Frames up to the last one that can be heard.

@@ -8,8 +8,8 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 #include <limits>
+#include <span>
 
 namespace tonvale {
 
@@ -48,6 +48,16 @@ CountEstimate estimateCount(FrameWalker& walker, std::int64_t start, std::int64_
     return estimate;
 }
 
+/// Makes it a packet of these bytes and nothing else.
+void renew(AVPacket& packet, std::span<const std::uint8_t> bytes)
+{
+    av_packet_unref(&packet);
+    if (av_new_packet(&packet, static_cast<int>(bytes.size())) < 0) {
+        throw decoderError(outOfMemoryError);
+    }
+    std::ranges::copy(bytes, packet.data);
+}
+
 }  // namespace
 
 FramedSource::FramedSource(LocalInput& input, CodedFrameParser parser)
@@ -84,12 +94,7 @@ bool FramedSource::next(AVPacket& packet)
     if (!found) {
         return false;
     }
-    const auto bytes = walker_.bytesOf(*found);
-    av_packet_unref(&packet);
-    if (av_new_packet(&packet, static_cast<int>(bytes.size())) < 0) {
-        throw decoderError(outOfMemoryError);
-    }
-    std::memcpy(packet.data, bytes.data(), bytes.size());
+    renew(packet, walker_.bytesOf(*found));
     packet.pts = tick;
     return true;
 }

@@ -199,16 +199,22 @@ void AudioFileWriter::write(const AudioPCMBuffer& buffer)
         return;
     }
     refuseBeyondMaximumSize(frames);
-    interleaved_.resize(std::size_t{frames} * format_.channelCount);
-    for (std::uint32_t channel = 0; channel < format_.channelCount; ++channel) {
-        convertToInt16(buffer.channel(channel).first(frames), interleaved_.data() + channel,
-                       format_.channelCount);
-    }
+    interleave(buffer);
     if (sf_writef_short(sound_.get(), interleaved_.data(), frames) != frames
         || disk_->firstError != 0) {
         throwFailure();
     }
     framesWritten_ += frames;
+}
+
+void AudioFileWriter::interleave(const AudioPCMBuffer& buffer)
+{
+    const std::uint32_t frames = buffer.frameLength();
+    interleaved_.resize(std::size_t{frames} * format_.channelCount);
+    for (std::uint32_t channel = 0; channel < format_.channelCount; ++channel) {
+        convertToInt16(buffer.channel(channel).first(frames), interleaved_.data() + channel,
+                       format_.channelCount);
+    }
 }
 
 void AudioFileWriter::close()

@@ -54,6 +54,7 @@ private:
     };
 
     void refuseBeyondMaximumSize(std::uint32_t frames) const;
+    void interleave(const AudioPCMBuffer& buffer);
     void throwDiskFailure() const;  // where there was one
     [[noreturn]] void throwFailure() const;
 
