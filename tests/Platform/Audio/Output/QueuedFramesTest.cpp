@@ -60,7 +60,7 @@ TEST(QueuedFramesTest, FadeFallsSteadilyFromTheFirstFrameToSilence)
     for (std::int64_t frame = 250; frame < 350; ++frame) {
         frames.piece(frame, 1)[0] = 1.0F;
     }
-    frames.fadeOut(270, 330);
+    frames.fadeOut(270, 330, 340);
     EXPECT_EQ(frames.piece(269, 1)[0], 1.0F);
     float before = 1.0F;
     for (std::int64_t frame = 270; frame < 330; ++frame) {
@@ -70,7 +70,9 @@ TEST(QueuedFramesTest, FadeFallsSteadilyFromTheFirstFrameToSilence)
         before = level;
     }
     EXPECT_EQ(before, 0.0F);
-    EXPECT_EQ(frames.piece(330, 1)[0], 1.0F);
+    EXPECT_EQ(frames.piece(330, 1)[0], 0.0F);
+    EXPECT_EQ(frames.piece(339, 1)[0], 0.0F);
+    EXPECT_EQ(frames.piece(340, 1)[0], 1.0F);
 }
 
 }  // namespace

@@ -219,9 +219,9 @@ void PulseAudioOutput::rest() noexcept
 void PulseAudioOutput::wakeIn(std::chrono::milliseconds time) noexcept
 {
     const LibraryCall mark;
-    timeval when{};
-    pa_timeval_add(pa_gettimeofday(&when), static_cast<pa_usec_t>(time / 1us));
-    loop_->api().time_restart(timer_, &when);
+    timeval now{};
+    loop_->api().time_restart(
+        timer_, pa_timeval_add(pa_gettimeofday(&now), static_cast<pa_usec_t>(time / 1us)));
 }
 
 void PulseAudioOutput::discardQueued() noexcept
@@ -252,10 +252,9 @@ void PulseAudioOutput::takeBack() noexcept
     if (first >= end_) {
         return;
     }
-    const std::int64_t silent = std::min(first + framesIn(fadeLength), end_);
-    queue_.fadeOut(first, silent);
-    queue_.clear(silent, end_);
     const std::int64_t end = end_;
+    const std::int64_t silent = std::min(first + framesIn(fadeLength), end);
+    queue_.fadeOut(first, silent, end);
     write(first, end);
     // The silence again, as a block of its own: PulseAudio 16 plays the beginning of a block once
     // more behind a place in its middle that is replaced, and new frames will replace silence.

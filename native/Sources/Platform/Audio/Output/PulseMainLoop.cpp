@@ -16,9 +16,11 @@ namespace {
 struct Alarm {
     Alarm(const PulseMainLoop& mainLoop, std::chrono::microseconds time) : loop(mainLoop)
     {
-        timeval end{};
-        pa_timeval_add(pa_gettimeofday(&end), static_cast<pa_usec_t>(time.count()));
-        event = loop.api().time_new(&loop.api(), &end, &Alarm::ring, this);
+        timeval now{};
+        event = loop.api().time_new(
+            &loop.api(),
+            pa_timeval_add(pa_gettimeofday(&now), static_cast<pa_usec_t>(time.count())),
+            &Alarm::ring, this);
     }
     ~Alarm() { loop.api().time_free(event); }
     Alarm(const Alarm&) = delete;

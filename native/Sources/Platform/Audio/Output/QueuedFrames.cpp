@@ -34,16 +34,17 @@ void QueuedFrames::clear(std::int64_t first, std::int64_t end) noexcept
     }
 }
 
-void QueuedFrames::fadeOut(std::int64_t first, std::int64_t end) noexcept
+void QueuedFrames::fadeOut(std::int64_t first, std::int64_t silent, std::int64_t end) noexcept
 {
-    const double step = std::numbers::pi / static_cast<double>(end - first);
-    for (std::int64_t frame = first; frame < end; ++frame) {
+    const double step = std::numbers::pi / static_cast<double>(silent - first);
+    for (std::int64_t frame = first; frame < silent; ++frame) {
         // Half a cosine has no corner at either end, so the ear finds no edge.
         const double gain = 0.5 + 0.5 * std::cos(step * static_cast<double>(frame - first + 1));
         for (float& sample : piece(frame, 1)) {
             sample *= static_cast<float>(gain);
         }
     }
+    clear(silent, end);
 }
 
 }  // namespace tonvale

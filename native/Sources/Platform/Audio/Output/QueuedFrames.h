@@ -28,8 +28,9 @@ public:
     /// Silences `first` up to, but not including, `end`.
     void clear(std::int64_t first, std::int64_t end) noexcept;
 
-    /// Lets the frames from `first` to `end` fall from full level to silence.
-    void fadeOut(std::int64_t first, std::int64_t end) noexcept;
+    /// Lets the frames from `first` on fall from full level to silence at `silent`, which lasts up
+    /// to, but not including, `end`.
+    void fadeOut(std::int64_t first, std::int64_t silent, std::int64_t end) noexcept;
 
 private:
     std::vector<float> samples_;
