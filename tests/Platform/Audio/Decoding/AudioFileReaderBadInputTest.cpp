@@ -3,6 +3,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "Platform/Audio/Decoding/AudioFileReader.h"
+#include "Platform/Audio/Decoding/FFmpeg.h"
 #include "Platform/Audio/Decoding/ReadAll.h"
 #include "Platform/Foundation/PlatformError.h"
 #include "Support/MusicFixtures.h"
@@ -212,6 +213,31 @@ void putBigEndian(Bytes& bytes, std::size_t offset, std::uint64_t value, std::si
     for (std::size_t index = 0; index < count; ++index) {
         bytes.at(offset + index) = static_cast<std::uint8_t>(value >> (8 * (count - 1 - index)));
     }
+}
+
+/// A song whose table of places is said to have more entries than there can be memory for.
+Bytes songWithHugeTable()
+{
+    Bytes bytes = readBytes(MusicFixtures::shared().file(musicFormat("m4aAac")));
+    putBigEndian(bytes, contentOf(bytes, "stco") + 4, 0xF0000001, 4);
+    return bytes;
+}
+
+TEST_F(BadInput, TableLargerThanAnyMemoryIsInvalid)
+{
+    const fs::path path = folder_.path() / "song.m4a";
+    writeBytes(path, songWithHugeTable());
+    EXPECT_EQ(errorOf(path), invalidData);
+}
+
+TEST_F(BadInput, MemoryThatIsNotThereIsNoFaultOfTheFile)
+{
+    const fs::path path = folder_.path() / "song.m4a";
+    writeBytes(path, songWithHugeTable());
+    av_max_alloc(std::size_t{64} << 20U);
+    const std::string error = errorOf(path);
+    av_max_alloc(std::numeric_limits<int>::max());  // the library's own limit
+    EXPECT_EQ(error, "Cannot allocate memory");
 }
 
 class FalseLength : public BadInput {

@@ -208,7 +208,7 @@ void ContainerSource::open(DiskFailures failures)
         input_.throwIfFailed();
     }
     if (result < 0) {
-        throw decoderError(result);
+        throw openingError(result);
     }
     if (best < 0) {
         throw PlatformError("The file holds no sound");

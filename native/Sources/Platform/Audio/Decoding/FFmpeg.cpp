@@ -19,6 +19,17 @@ Pointer orOutOfMemory(Pointer pointer)
     return pointer;
 }
 
+/// More than opening takes for a day of music in any container.
+constexpr std::size_t ampleBytes = std::size_t{256} << 20U;
+
+/// Asked of the library's own allocator, which is the one that has just refused.
+bool hasAmpleMemory() noexcept
+{
+    void* const memory = av_malloc(ampleBytes);
+    av_free(memory);
+    return memory != nullptr;
+}
+
 }  // namespace
 
 void IOContextDeleter::operator()(AVIOContext* context) const noexcept
@@ -47,6 +58,12 @@ PlatformError decoderError(int errorNumber)
     std::array<char, AV_ERROR_MAX_STRING_SIZE> text = {};
     av_strerror(errorNumber, text.data(), text.size());
     return PlatformError(text.data());
+}
+
+PlatformError openingError(int errorNumber)
+{
+    const bool isDamage = errorNumber == outOfMemoryError && hasAmpleMemory();
+    return decoderError(isDamage ? invalidDataError : errorNumber);
 }
 
 UniquePacket makePacket()

@@ -99,6 +99,10 @@ private:
 /// The library's sentence for one of its (negative) error numbers.
 [[nodiscard]] PlatformError decoderError(int errorNumber);
 
+/// The same for an error met while a file was opened. A table that a damaged file says to be huge
+/// is refused as if there were no memory; where there is, the file's damage is what is told.
+[[nodiscard]] PlatformError openingError(int errorNumber);
+
 /// @error PlatformError when there is no memory
 [[nodiscard]] UniquePacket makePacket();
 [[nodiscard]] UniqueFrame makeFrame();

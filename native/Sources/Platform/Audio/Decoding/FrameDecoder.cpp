@@ -45,7 +45,7 @@ FrameDecoder::FrameDecoder(const AVCodecParameters& parameters, AVRational tickD
 {
     const int result = avcodec_parameters_copy(parameters_.get(), &parameters);
     if (result < 0) {
-        throw decoderError(result);
+        throw openingError(result);
     }
     restart();
 }
@@ -68,7 +68,7 @@ void FrameDecoder::restart()
         result = avcodec_open2(codec_.get(), decoder, nullptr);
     }
     if (result < 0) {
-        throw decoderError(result);
+        throw openingError(result);
     }
 }
 

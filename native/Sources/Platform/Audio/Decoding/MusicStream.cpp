@@ -93,7 +93,7 @@ bool MusicStream::decodeFirstBlock()
             firstError = result;
         }
     }
-    throw decoderError(firstError);
+    throw openingError(firstError);
 }
 
 void MusicStream::fill(std::int64_t raw, AudioPCMBuffer& buffer, std::uint32_t frameCount)
