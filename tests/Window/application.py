@@ -7,6 +7,7 @@ from __future__ import annotations
 import os
 import shutil
 import subprocess
+from collections.abc import Sequence
 from pathlib import Path
 
 import accessibility
@@ -34,10 +35,11 @@ class Installation:
 
 class Application:
     def __init__(self, desktop: Desktop, installation: Installation, folder: Path,
-                 variables: dict[str, str | None]) -> None:
+                 variables: dict[str, str | None], watcher: Sequence[str] = ()) -> None:
         """Starts it and waits for its window.
         @param folder     new; everything that the program may write by itself would be in there
         @param variables  of its environment, where it is not the tests' usual one; none: not set
+        @param watcher    a command that becomes the one that follows it
         """
         self._bus = accessibility.accessibility_bus(desktop.environment["DBUS_SESSION_BUS_ADDRESS"])
         self.home, self.temporary = folder / "home", folder / "temporary"
@@ -50,7 +52,7 @@ class Application:
             # Whoever reads a window that changes asks for things that have just gone; that is no fault of the program.
             "QT_LOGGING_RULES": "qt.accessibility.*.warning=false", **variables}
         with open(self._output, "wb") as output:
-            self.process = start([str(installation.program)], stdout=output, stderr=output, cwd=folder,
+            self.process = start([*watcher, str(installation.program)], stdout=output, stderr=output, cwd=folder,
                                  env={name: value for name, value in environment.items() if value is not None})
         self._owner = wait_until(self._registered, lambda: f"the program's window\n{self.output}", START_SECONDS)
         self.find("push button", "Browse files")

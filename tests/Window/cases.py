@@ -27,6 +27,7 @@ SAVE_PANEL = "Save Transposed Song"
 
 class WindowTestCase(unittest.TestCase):
     environment: ClassVar[dict[str, str | None]] = {}  # what the program sees besides the desktop's
+    watcher: tuple[str, ...] = ()  # a command that becomes the program
 
     @classmethod
     def setUpClass(cls) -> None:
@@ -45,7 +46,8 @@ class WindowTestCase(unittest.TestCase):
 
     def start(self, name: str = "program") -> Application:
         """@param name  of the folder for what it may write, new for each start"""
-        program = Application(self.desktop, self.installation, self.folder / name, self.environment)
+        program = Application(self.desktop, self.installation, self.folder / name, self.environment,
+                              self.watcher)
         self.addCleanup(program.kill)
         return program
 

@@ -7,6 +7,7 @@
 #include "Platform/Desktop/AudioNameFilter.h"
 #include "Platform/Desktop/ColorScheme.h"
 #include "Platform/Desktop/FilePanels.h"
+#include "Platform/Desktop/NamedFileIcons.h"
 #include "Platform/Desktop/SchemePalette.h"
 
 #include <QAbstractButton>
@@ -21,6 +22,8 @@
 #include <QPixmapCache>
 #include <QTreeView>
 #include <QWindow>
+
+#include <memory>
 
 namespace tonvale {
 
@@ -77,6 +80,7 @@ void putOver(QWidget& dialog, QWindow& window)
 struct DialogContext {
     QWindow& window;
     const ColorScheme& scheme;
+    std::shared_ptr<NamedFileIcons> icons = std::make_shared<NamedFileIcons>();
 };
 
 /// What both panels have in common.
@@ -87,6 +91,7 @@ public:
         setPalette(paletteFor(context.scheme.isDark()));
         setSupportedSchemes({QStringLiteral("file")});
         setOption(QFileDialog::HideNameFilterDetails);
+        setIconProvider(context.icons.get());
         widenColumns(*this);
         takeIconsOff(*this);
         putOver(*this, window_);
@@ -211,7 +216,7 @@ private:
 
 void useFileDialogs(QWindow& window, const ColorScheme& scheme)
 {
-    const DialogContext context{window, scheme};
+    const DialogContext context{.window = window, .scheme = scheme};
     OpenPanel::replaceFactory([context] { return std::make_unique<FileOpenDialog>(context); });
     SavePanel::replaceFactory([context] { return std::make_unique<FileSaveDialog>(context); });
 }
