@@ -149,6 +149,13 @@ class WindowTestCase(unittest.TestCase):
                    f"the file name {str(file)!r} in the panel")
         self.hands.keys("Return")
 
+    def press_in_question(self, answer: str) -> None:
+        """Answers whether a file is to be replaced."""
+        def button() -> Element | None:
+            return next((element for element in self.program.elements()
+                         if element.role == "push button" and element.name.replace("&", "") == answer), None)
+        wait_until(button, lambda: f"the question among\n{self.program.describe()}").press()
+
     def save_as(self, file: Path | str) -> None:
         self.press_convert()
         self.accept_panel(SAVE_PANEL, file)

@@ -2,20 +2,25 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """What goes wrong around the window: disks that fill up, songs that vanish, programs that are killed."""
 
+import collections
 import errno
+import math
 import os
 import random
+import stat
 import time
 import unittest
 from pathlib import Path
 from typing import ClassVar
 
 import songs
-from cases import SAVE_PANEL, WindowTestCase
+from cases import WindowTestCase
 from processes import wait_until
 
 FAULTY_FILES = "TONVALE_FAULTY_FILES"  # the environment variable that says where that library is
-KILLS = 5
+KILLS = int(os.environ.get("TONVALE_KILLS", "10"))
+WAV_HEADER = 44  # bytes; the sizes in it are not known before the end
+FORMER = b"what was there before"
 
 
 class FullDiskTest(WindowTestCase):
@@ -99,31 +104,79 @@ class VanishingSongTest(WindowTestCase):
 
 
 class KilledTest(WindowTestCase):
-    def accept_proposed_name(self) -> None:
-        self.press_convert()
-        self.program.dialog(SAVE_PANEL)
-        self.program.wait_for_focus("text", "File name:")
-        self.hands.keys("Return")
+    """The program is killed while it saves, at any moment from the order to save until all is saved."""
+
+    def setUp(self) -> None:
+        super().setUp()
+        self.seed = random.randrange(1 << 32)
+        print("seed", self.seed)
+        self.song = self.tone(seconds=120)
+        self.recording = self.song.read_bytes()
+        self.saved = self.folder / "saved.wav"
+        start = self.save_to(self.saved)
+        self.program.wait_for_text("Saved +2 semitones")
+        self.usual_seconds = time.monotonic() - start
+        self.whole = self.saved.read_bytes()
+        self.program.kill()
+
+    def save_to(self, file: Path) -> float:
+        """@return when the program was told to, by the monotonic clock"""
+        self.load(self.song)
+        self.choose_key("New key", "C major")
+        exists = file.exists()
+        self.save_as(file)
+        if exists:
+            self.press_in_question("Yes")
+        return time.monotonic()
+
+    def moments(self, count: int) -> list[float]:
+        """Random ones, one in each of `count` equal parts of the time that saving takes, in seconds."""
+        chance = random.Random(self.seed)
+        return [1.05 * self.usual_seconds * (part + chance.random()) / count for part in range(count)]
+
+    def kill_while_saving(self, name: str, file: Path, moment: float) -> None:
+        self.program = self.start(name)
+        self.save_to(file)
+        time.sleep(moment)  # which nothing waits for
+        self.program.kill()
+        self.assertEqual((self.program.output, self.program.files_written), ("", []))
+        self.assertLessEqual({entry.name for entry in self.folder.iterdir() if not entry.is_dir()},
+                             {self.song.name, self.saved.name})
+
+    def left(self, file: Path, former: bytes | None) -> str:
+        """What there is of a file: nothing, what was there before, or the result as far as it was written."""
+        if not os.path.lexists(file):
+            return "nothing"
+        self.assertTrue(stat.S_ISREG(file.lstat().st_mode))
+        content = file.read_bytes()
+        if content in (former, self.whole):
+            return "all of it" if content == self.whole else "the former"
+        self.assertTrue(self.whole[WAV_HEADER:].startswith(content[WAV_HEADER:]), "sound that was not to be saved")
+        return "a beginning"
 
     def test_leaves_the_song_as_it_is_and_nothing_but_the_unfinished_file(self):
-        seed = random.randrange(1 << 32)
-        print("seed", seed)
-        moments = random.Random(seed)
-        song = self.tone(seconds=120)
-        before, saved = song.read_bytes(), self.folder / "Night Song - Key of Bb.wav"
-        for kill in range(KILLS):
-            with self.subTest(f"kill {kill} of seed {seed}"):
-                if kill > 0:
-                    self.program = self.start(f"program {kill}")
-                self.load(song)
-                self.accept_proposed_name()
-                self.program.wait_for_text("Rendering 0 semitones")
-                time.sleep(moments.uniform(0, 0.5))  # the moment, which nothing waits for
-                self.program.kill()
-                self.assertEqual(song.read_bytes(), before)
-                self.assertLessEqual(saved.stat().st_size if saved.exists() else 0, len(before))
-                self.assertEqual({file.name for file in self.folder.glob("*.*")} - {saved.name}, {song.name})
-                self.assertEqual(self.program.files_written, [])
-                saved.unlink(missing_ok=True)
+        outcomes = collections.Counter()
+        for kill, moment in enumerate(self.moments(KILLS)):
+            with self.subTest(f"kill {kill} of seed {self.seed}"):
+                former = FORMER if kill % 2 == 1 else None
+                self.saved.unlink(missing_ok=True)
+                if former is not None:
+                    self.saved.write_bytes(former)
+                self.kill_while_saving(f"program {kill}", self.saved, moment)
+                self.assertEqual(self.song.read_bytes(), self.recording)
+                outcomes[self.left(self.saved, former)] += 1
+        print(dict(outcomes))
+        self.assertGreater(outcomes["a beginning"] + outcomes["all of it"], 0, "no kill while something was saved")
         self.program = self.start("last program")
-        self.load(song)
+        self.load(self.song)
+
+    def test_leaves_of_a_song_that_is_replaced_either_recording_or_a_part_of_the_new_one(self):
+        outcomes = collections.Counter()
+        for kill, moment in enumerate(self.moments(math.ceil(KILLS / 4))):
+            with self.subTest(f"kill {kill} of seed {self.seed}"):
+                self.song.write_bytes(self.recording)
+                self.kill_while_saving(f"program {kill}", self.song, moment)
+                outcomes[self.left(self.song, self.recording)] += 1
+                self.assertEqual(self.saved.read_bytes(), self.whole)
+        print(dict(outcomes))
+        self.assertGreater(outcomes["a beginning"] + outcomes["all of it"], 0, "no kill while something was saved")

@@ -67,12 +67,6 @@ class SavingTest(WindowTestCase):
             self.program.wait_for_text(("Saved 0 semitones", "Saved +1 semitone")[step])
             self.assert_pitch(self.folder / existing, songs.CONCERT_PITCH * 2 ** (step / 12))
 
-    def press_in_question(self, answer: str) -> None:
-        def button() -> object:
-            return next((element for element in self.program.elements()
-                         if element.role == "push button" and element.name.replace("&", "") == answer), None)
-        wait_until(button, lambda: f"the question, in vain among\n{self.program.describe()}").press()
-
     def test_the_song_itself_can_be_replaced(self):
         song = self.load_tone(seconds=2)
         self.transpose("C major", "D major")

@@ -219,27 +219,15 @@ INSTANTIATE_TEST_SUITE_P(MusicStream, FailingDisk,
                                          "wma2", "matroskaFlac"),
                          [](const auto& tested) { return tested.param; });
 
-/// A disk that counts the bytes that are read.
-std::int64_t bytesRead = 0;
-
-ssize_t readAndCount(int descriptor, void* data, std::size_t count, off_t offset)
-{
-    const ssize_t result = pread(descriptor, data, count, offset);
-    bytesRead += std::max<ssize_t>(result, 0);
-    return result;
-}
-
 TEST(MusicStream, SkipsOverThePlainSamplesBetweenWhateverTheirSize)
 {
     constexpr std::uint32_t frames = 4000000;
     for (const std::uint32_t channels : {1U, 2U}) {
         // An AU file: where the samples begin, how many bytes they have, that each is a signed
         // one, 8000 frames a second, channels.
-        std::vector<std::uint8_t> bytes = {'.', 's', 'n', 'd'};
+        Bytes bytes = text(".snd");
         for (const std::uint32_t field : {24U, channels * frames, 2U, 8000U, channels}) {
-            for (const int shift : {24, 16, 8, 0}) {
-                bytes.push_back(static_cast<std::uint8_t>(field >> shift));
-            }
+            append(bytes, field, 4);
         }
         for (std::uint32_t sample = 0; sample < channels * frames; ++sample) {
             bytes.push_back(static_cast<std::uint8_t>(sample / 100));
@@ -247,14 +235,11 @@ TEST(MusicStream, SkipsOverThePlainSamplesBetweenWhateverTheirSize)
         const TemporaryFolder folder;
         const auto path = folder.path() / "song.au";
         writeBytes(path, bytes);
-        FileDescriptor descriptor(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
-        MusicStream stream(std::make_unique<LocalInput>(std::move(descriptor),
-                                                        static_cast<std::int64_t>(bytes.size()),
-                                                        "song.au", &readAndCount));
-        ASSERT_EQ(stream.length(), frames);
+        CountedFile file(path);
+        ASSERT_EQ(file.stream.length(), frames);
         bytesRead = 0;
         for (const std::int64_t start : {3900000, 1000000}) {
-            const Samples samples = readFrames(stream, start, start + 500, 500);
+            const Samples samples = readFrames(file.stream, start, start + 500, 500);
             for (std::int64_t frame = 0; frame < 500; ++frame) {
                 const auto value = static_cast<std::int8_t>(channels * (start + frame) / 100);
                 ASSERT_EQ(samples[0][static_cast<std::size_t>(frame)],
