@@ -3,6 +3,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 
 #include "Platform/Audio/Decoding/MusicStream.h"
+#include "Platform/Audio/Decoding/ByteFile.h"
 #include "Platform/Audio/Decoding/CodedFrame.h"
 #include "Platform/Audio/Decoding/Mp3InfoTag.h"
 #include "Platform/Audio/Decoding/ReadAll.h"
@@ -26,8 +27,6 @@ namespace tonvale {
 namespace {
 
 using namespace test;
-
-using Bytes = std::vector<std::uint8_t>;
 
 /// A disk that cannot be read from the middle of the file on, until it comes back.
 constexpr off_t badSector = 150000;
