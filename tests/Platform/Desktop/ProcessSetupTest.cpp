@@ -133,7 +133,7 @@ std::size_t heapCount()
     return count;
 }
 
-TEST(ProcessSetup, HasThreadsShareTwoHeaps)
+TEST_F(ProcessSetup, HasThreadsShareTwoHeaps)
 {
     const std::size_t before = heapCount();
     prepareProcess();
