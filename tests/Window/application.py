@@ -17,6 +17,7 @@ from processes import start, wait_until
 
 DIALOGS = ("dialog", "alert", "file chooser")
 START_SECONDS = 60.0  # with sanitizers on a busy machine; without, it is below one
+AT_ONCE_SECONDS = 10.0  # on a busy machine
 
 
 class Installation:
@@ -36,7 +37,7 @@ class Installation:
 class Application:
     def __init__(self, desktop: Desktop, installation: Installation, folder: Path,
                  variables: dict[str, str | None], watcher: Sequence[str] = ()) -> None:
-        """Starts it and waits for its window.
+        """Starts it and waits until its window can be used, by keyboard too.
         @param folder     new; everything that the program may write by itself would be in there
         @param variables  of its environment, where it is not the tests' usual one; none: not set
         @param watcher    a command that becomes the one that follows it
@@ -56,6 +57,7 @@ class Application:
                                  env={name: value for name, value in environment.items() if value is not None})
         self._owner = wait_until(self._registered, lambda: f"the program's window\n{self.output}", START_SECONDS)
         self.find("push button", "Browse files")
+        self.wait_for_keyboard()
 
     def _registered(self) -> str | None:
         if self.process.poll() is not None:
@@ -108,6 +110,11 @@ class Application:
     def wait_for_focus(self, role: str, name: str) -> None:
         wait_until(lambda: (element := self.look(role, name)) and "focused" in element.states,
                    lambda: f"the focus on {name!r}, it is on {self.focused()}")
+
+    def wait_for_keyboard(self) -> None:
+        """Waits until one of the windows has it; keys that are pressed before go nowhere."""
+        wait_until(lambda: any("active" in element.states for element in self.elements()),
+                   lambda: f"a window with the keyboard among\n{self.describe()}")
 
     def focused(self) -> Element | None:
         """What has the keyboard; the innermost of nested things."""

@@ -52,12 +52,13 @@ class WindowTestCase(unittest.TestCase):
         return program
 
     def tearDown(self) -> None:
-        """However a test has used it, the program quits when told to and has not printed a word."""
+        """However a test has used it, the program quits when told to, has not printed a word and left no file."""
         if self.program.process.poll() is None:
-            wait_until(lambda: any("active" in element.states for element in self.program.elements()), "the keyboard")
+            self.program.wait_for_keyboard()
             self.hands.keys("ctrl+q")
-            self.assertEqual(self.program.wait_for_end(5), 0)
+            self.assertEqual(self.program.wait_for_end(), 0)
         self.assertEqual(self.program.output, "")
+        self.assertEqual(self.program.files_written, [])
 
     @property
     def drag_source(self) -> DragSource:

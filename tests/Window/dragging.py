@@ -17,7 +17,7 @@ if TYPE_CHECKING:
 
 PLACE = (1520, 1120)  # the lower right corner, where no other window is
 ANSWER_SECONDS = 20.0
-HOVER_SECONDS, HOVER_MOVES = 1.0, 10
+HOVER_SECONDS, HOVER_MOVES = 2.0, 20
 
 
 def links(*files: Path) -> dict[str, str]:

@@ -7,6 +7,7 @@ from pathlib import Path
 
 import detection
 import songs
+from application import AT_ONCE_SECONDS
 from cases import WindowTestCase
 
 
@@ -86,4 +87,4 @@ class HangingDetectionTest(DetectionCase):
 
     def test_closing_the_window_ends_at_once(self):
         self.hands.keys("alt+F4")
-        self.assertEqual(self.program.wait_for_end(2), 0)
+        self.assertEqual(self.program.wait_for_end(AT_ONCE_SECONDS), 0)

@@ -84,18 +84,18 @@ class MenuTest(WindowTestCase):
     def test_the_menu_quits(self):
         self.open_menu("Tonvale")
         self.program.find("menu item", "Quit Tonvale").press()
-        self.assertEqual(self.program.wait_for_end(5), 0)
+        self.assertEqual(self.program.wait_for_end(), 0)
 
     def test_the_shortcut_quits(self):
         self.hands.keys("ctrl+q")
-        self.assertEqual(self.program.wait_for_end(5), 0)
+        self.assertEqual(self.program.wait_for_end(), 0)
 
     def test_closing_the_window_quits_while_a_song_plays(self):
         self.load_tone()
         self.program.press("Play preview")
         self.program.wait_for_text("Playing")
         self.hands.keys("alt+F4")
-        self.assertEqual(self.program.wait_for_end(5), 0)
+        self.assertEqual(self.program.wait_for_end(), 0)
         self.assert_silent()
 
 
@@ -145,4 +145,4 @@ class AboutTest(WindowTestCase):
         wait_until(lambda: "active" in self.program.find("frame", "Tonvale").states,
                    "the main window to have the keyboard")
         self.hands.keys("alt+F4")
-        self.assertEqual(self.program.wait_for_end(5), 0)
+        self.assertEqual(self.program.wait_for_end(), 0)

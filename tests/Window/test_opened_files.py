@@ -71,8 +71,8 @@ class OpenedFilesTest(WindowTestCase):
         self.hands.keys("ctrl+q")
         self.assertEqual(self.program.wait_for_end(), 0)
         self.assertEqual(self.opened(writing=False), {str(song)})
-        # The sound library keeps a secret there, which it makes where no program has played before.
-        secret = self.program.home / ".config/pulse/cookie"
+        # The sound library's own, which it opens to write, too.
+        secret = self.desktop.folder / "cookie"
         self.assertEqual(self.opened(writing=True), {str(saved), str(secret)})
         self.assertEqual([match[1] for match in self.found(EXECUTE)], [str(self.installation.program)])
         self.assertEqual([match[1] for match in self.found(CONNECT) if "AF_UNIX" not in match[1]], [])

@@ -5,6 +5,7 @@
 from pathlib import Path
 
 import songs
+from application import AT_ONCE_SECONDS
 from cases import KEYS, SAVE_PANEL, WindowTestCase
 from processes import wait_until
 from sound import cents, pitch_of
@@ -134,5 +135,5 @@ class LongExportTest(WindowTestCase):
     def test_closing_the_window_ends_at_once(self):
         wait_until(self.saved.exists, "the file")
         self.hands.keys("alt+F4")
-        self.assertEqual(self.program.wait_for_end(2), 0)
+        self.assertEqual(self.program.wait_for_end(AT_ONCE_SECONDS), 0)
         self.assertEqual(self.program.files_written, [])
