@@ -33,7 +33,10 @@ class Area:
         return self.x + self.width
 
     def overlaps(self, other: Area) -> bool:
-        return (self.x < other.right and other.x < self.right and self.y < other.bottom and other.y < self.bottom)
+        return self.x < other.right and other.x < self.right and self.y < other.bottom and other.y < self.bottom
+
+    def contains(self, other: Area) -> bool:
+        return self.x <= other.x and other.right <= self.right and self.y <= other.y and other.bottom <= self.bottom
 
     def grown(self, by: int) -> Area:
         return Area(self.x - by, self.y - by, self.width + 2 * by, self.height + 2 * by)

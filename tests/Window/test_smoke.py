@@ -2,7 +2,6 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """What the program is for, from end to end. These tests also run under sanitizers."""
 
-
 import songs
 from cases import WindowTestCase
 from detection import ANSWER
@@ -35,5 +34,3 @@ class TypicalUseTest(WindowTestCase):
     def test_a_song_that_cannot_be_opened_is_reported(self):
         self.drop(self.folder / "missing.mp3")
         self.program.wait_for_text("Could not load audio", "No file selected")
-
-
