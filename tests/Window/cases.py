@@ -69,7 +69,8 @@ class WindowTestCase(unittest.TestCase):
 
     # Songs
 
-    def tone(self, name: str = "Night Song.wav", seconds: float = 20) -> Path:
+    def tone(self, name: str = "Night Song.wav", seconds: float = 120) -> Path:
+        """Unless told otherwise, so long that it still plays when a busy machine comes to press "Stop"."""
         return songs.tone(self.folder / name, seconds)
 
     def drop_place(self) -> tuple[int, int]:

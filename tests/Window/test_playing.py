@@ -51,14 +51,18 @@ class PreviewTest(PreviewCase):
         self.program.wait_for_text("Playing")
 
     def test_stop_is_silent_and_keeps_the_position(self):
-        self.load_tone()
+        self.load_tone(seconds=60)
         self.program.press("Forward 15 seconds")
         self.play()
-        self.program.wait_for_text("0:16")
+        timeline = self.program.find("slider", "Position")
+        wait_until(lambda: timeline.value > 16.0, "the position to move")
         self.program.press("Stop")
         self.program.wait_for_text("Ready")
+        position = timeline.value
+        self.assertGreater(position, 16.0)
         self.assert_silent()
-        self.assertIn(self.program.texts()[-2], ("0:16", "0:17"))
+        self.assertEqual(timeline.value, position)
+        self.assertEqual(self.program.texts()[-2], f"0:{round(position)}")
 
     def test_the_button_follows_the_preview_at_each_press(self):
         self.load_tone()
@@ -72,17 +76,18 @@ class PreviewTest(PreviewCase):
         self.play()
         timeline = self.program.find("slider", "Position")
         wait_until(lambda: timeline.value > 1.0, "the position to move")
-        self.program.wait_for_text("0:02")
+        wait_until(lambda: self.program.texts()[-2] >= "0:02", "its figures to move")
 
     def test_the_end_of_the_song_stops_and_the_next_play_starts_over(self):
         self.load(songs.scale(self.folder / "short.wav", 3))
         for _ in range(2):
             start = self.recorder.now()
-            self.play()
+            self.program.press("Play preview")
+            wait_until(lambda start=start: self.seconds_heard(start)[:3] == [0, 1, 2],
+                       lambda start=start: f"all of the song, {self.seconds_heard(start)} were heard")
             self.program.wait_for_text("Ready")
             self.program.button("Play preview")
             self.assertEqual(self.program.texts()[-2:], ["0:03", "0:03"])
-            self.assertEqual(self.seconds_heard(start)[:3], [0, 1, 2])
 
     def test_a_song_dropped_meanwhile_stops_the_preview(self):
         self.load_tone()

@@ -27,12 +27,13 @@ class GrantedTest(SleepCase):
     manner = "grant"
 
     def test_sleep_waits_for_stop_for_the_end_of_the_song_and_for_the_saved_file(self):
-        self.load(songs.scale(self.folder / "short.wav", 3))
+        self.load_tone()
         self.press_play()
         self.assertEqual(self.manager.read(), AWAKE)
         self.program.press("Stop")
         self.assertEqual(self.manager.read(), "released")
-        self.press_play()
+        self.load(songs.tone(self.folder / "short.wav", 3))
+        self.program.press("Play preview")
         self.assertEqual([self.manager.read(), self.manager.read()], [AWAKE, "released"])
         self.program.wait_for_text("Ready", "0:03")
         for folder, message in ((self.folder, "Saved 0 semitones"), ("/sys", "Export failed")):
@@ -45,7 +46,7 @@ class GrantedTest(SleepCase):
         self.press_play()
         self.assertEqual(self.manager.read(), AWAKE)
         self.hands.keys("ctrl+q")
-        self.assertEqual(self.program.wait_for_end(5), 0)
+        self.assertEqual(self.program.wait_for_end(), 0)
         self.assertIn(self.manager.read(), ("released", "left"))
 
 
