@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <QAccessible>
+#include <QAccessibleObject>
 #include <QQmlComponent>
 #include <QQmlEngine>
 #include <QQuickItem>
@@ -26,7 +27,8 @@ protected:
                           "Item { "
                               + parentState
                               + "; Button { objectName: 'button'; text: 'Press' }"
-                                "  Item { objectName: 'plain' } }",
+                                "  Item { objectName: 'plain' }"
+                                "  Item { objectName: 'area'; Accessible.role: Accessible.Pane } }",
                           QUrl());
         root_.reset(component.create());
         ASSERT_NE(root_, nullptr) << component.errorString().toStdString();
@@ -59,6 +61,45 @@ TEST_F(EnabledAware, LeavesWhatIsEnabledAsItIs)
     ASSERT_NE(button, nullptr);
     EXPECT_FALSE(button->state().disabled);
     EXPECT_TRUE(button->state().focusable);
+}
+
+TEST_F(EnabledAware, SpeaksForPlainItemsWithARoleToo)
+{
+    create("enabled: false");
+    const auto* area = accessible(QStringLiteral("area"));
+    ASSERT_NE(area, nullptr);
+    EXPECT_TRUE(area->state().disabled);
+    EXPECT_EQ(area->role(), QAccessible::Pane);
+}
+
+class OtherButton final : public QAccessibleObject {
+public:
+    using QAccessibleObject::QAccessibleObject;
+    [[nodiscard]] QAccessibleInterface* parent() const override { return nullptr; }
+    [[nodiscard]] QAccessibleInterface* child(int /*index*/) const override { return nullptr; }
+    [[nodiscard]] int childCount() const override { return 0; }
+    [[nodiscard]] int indexOfChild(const QAccessibleInterface* /*child*/) const override
+    {
+        return -1;
+    }
+    [[nodiscard]] QString text(QAccessible::Text /*text*/) const override { return {}; }
+    [[nodiscard]] QAccessible::Role role() const override { return QAccessible::Button; }
+    [[nodiscard]] QAccessible::State state() const override { return {}; }
+};
+
+/// Speaks for buttons of every kind.
+QAccessibleInterface* makeOtherInterface(const QString& className, QObject* object)
+{
+    return className == QLatin1String("QQuickAbstractButton") ? new OtherButton(object) : nullptr;
+}
+
+TEST_F(EnabledAware, LeavesClassesToTheirOwnFactories)
+{
+    QAccessible::installFactory(makeOtherInterface);
+    create("enabled: false");
+    const auto* button = accessible(QStringLiteral("button"));
+    QAccessible::removeFactory(makeOtherInterface);
+    EXPECT_NE(dynamic_cast<const OtherButton*>(button), nullptr);
 }
 
 TEST_F(EnabledAware, LeavesOutWhatIsNoAccessible)
