@@ -155,6 +155,67 @@ TEST(AudioEngine, TakesTheRenderingFormatWhereAConnectionNamesNone)
     EXPECT_EQ(buffer->channel(0)[32], 0.5F);
 }
 
+TEST(AudioEngine, CountsItsFramesFromTheLastStartOn)
+{
+    AudioEngine engine;
+    engine.enableManualRenderingMode(offline, mono, 64);
+    const auto buffer = AudioPCMBuffer::create(mono, 64);
+    engine.start();
+    EXPECT_EQ(engine.renderOffline(64, *buffer), Status::success);
+    engine.stop();
+    engine.start();
+    EXPECT_EQ(engine.manualRenderingSampleTime(), 0);
+    EXPECT_EQ(engine.underrunCount(), 0U) << "there is no device";
+}
+
+/// Sends its input on.
+class Passage final : public AudioNode {
+public:
+    void render(AudioPCMBuffer& buffer, std::uint32_t frameCount) override
+    {
+        renderInput(buffer, frameCount);
+    }
+};
+
+TEST(AudioEngine, ForgetsANodeThatGoes)
+{
+    AudioEngine engine;
+    Passage passage;
+    engine.attach(passage);
+    engine.connect(passage, engine.mainMixerNode(), mono);
+    std::optional<SignalNode> source;
+    for (int round = 0; round < 2; ++round) {
+        source.emplace(ramp(100));
+        engine.attach(*source);  // at the place of the one before
+        engine.connect(*source, passage, AudioFormat{48000, 1});
+        EXPECT_EQ(passage.input(), &*source);
+        source.reset();
+        EXPECT_EQ(passage.input(), nullptr);
+    }
+    EXPECT_EQ(engine.mainMixerNode().input(), &passage);
+    engine.enableManualRenderingMode(offline, mono, 64);
+    engine.start();
+    EXPECT_TRUE(engine.isRunning());
+    source.emplace(ramp(100));
+    engine.attach(*source);
+    source.reset();
+    EXPECT_FALSE(engine.isRunning()) << "whatever goes stops it";
+}
+
+TEST(AudioEngine, ForgetsTheFormatThatANodeWasFedIn)
+{
+    AudioEngine engine;
+    SignalNode source(ramp(100));
+    engine.attach(source);
+    {
+        Passage passage;
+        engine.attach(passage);
+        engine.connect(source, passage, AudioFormat{48000, 1});
+        EXPECT_THROW(engine.enableManualRenderingMode(offline, mono, 64), PlatformError);
+    }
+    EXPECT_NO_THROW(engine.enableManualRenderingMode(offline, mono, 64));
+}
+
 TEST(AudioEngineDeathTest, AbortsForABufferOfAnotherFormat)
 {
     AudioEngine engine;

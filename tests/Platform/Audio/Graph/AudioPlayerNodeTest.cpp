@@ -107,6 +107,41 @@ TEST_F(AudioPlayer, ForgetsWhatWasScheduledWhenStopped)
     EXPECT_EQ(render(8), range(500, 8));
 }
 
+TEST_F(AudioPlayer, PlaysWhatIsScheduledWhileItPlays)
+{
+    player.play();
+    EXPECT_EQ(render(8), silence);
+    player.scheduleSegment(file, 100, 900);
+    EXPECT_EQ(render(8), range(100, 8));
+}
+
+TEST_F(AudioPlayer, GoesOnWhenToldToPlayOnceMore)
+{
+    player.scheduleSegment(file, 100, 900);
+    player.play();
+    EXPECT_EQ(render(8), range(100, 8));
+    player.play();
+    EXPECT_EQ(render(8), range(108, 8));
+}
+
+TEST_F(AudioPlayer, BeginsAnewWithWhatLiesBeforeWhenReset)
+{
+    EXPECT_EQ(player.reset(10), 0U) << "nothing is scheduled";
+    player.scheduleSegment(file, 100, 30);
+    player.play();
+    EXPECT_EQ(render(8), range(100, 8));
+    EXPECT_EQ(player.reset(0), 0U);
+    EXPECT_EQ(render(8), range(100, 8));
+    EXPECT_EQ(player.reset(40), 40U);
+    EXPECT_EQ(render(8), range(60, 8));
+    EXPECT_EQ(player.reset(150), 100U) << "the file has no more";
+    EXPECT_EQ(player.reset(99), 99U);
+    EXPECT_EQ(render(8), range(1, 8));
+    std::vector<int> rest = range(9, 121);
+    rest.push_back(-1);
+    EXPECT_EQ(render(122), rest) << "the end stays";
+}
+
 using AudioPlayerDeathTest = AudioPlayer;
 
 TEST_F(AudioPlayerDeathTest, AbortsForSegmentsThatTheFileDoesNotHave)

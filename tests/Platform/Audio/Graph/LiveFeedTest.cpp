@@ -88,6 +88,31 @@ TEST_F(LiveFeedTest, CallsItsWorkerWhenThereIsRoomAgainEvenAtTheEnd)
     EXPECT_TRUE(WaitingWorker(wakeUp).isCalled());
 }
 
+TEST_F(LiveFeedTest, BeginsAnewWhenItIsOpenedAgain)
+{
+    feed.open();
+    feed.complete();
+    EXPECT_EQ(feed.read(heard), 0U);
+    feed.close();
+    feed.open();
+    EXPECT_FALSE(feed.takeHunger()) << "that was before";
+    EXPECT_EQ(feed.read(heard), 0U);
+    EXPECT_TRUE(WaitingWorker(wakeUp).isCalled()) << "there is an end no more";
+}
+
+TEST_F(LiveFeedTest, IsEmptyAndClosedAgainForAnotherDevice)
+{
+    EXPECT_EQ(feed.write(written), written.size());
+    feed.open();
+    feed.prepare({.sampleRate = 1000, .channelCount = 2});
+    EXPECT_TRUE(feed.isEmpty());
+    EXPECT_FALSE(feed.isFull());
+    const std::array<float, 30> more{};
+    EXPECT_EQ(feed.write(more), 24U) << "12 ms of both channels";
+    EXPECT_TRUE(feed.isFull());
+    EXPECT_EQ(feed.read(heard), 0U);
+}
+
 TEST_F(LiveFeedTest, CallsItsWorkerWhenItIsEmptyBeforeTheEnd)
 {
     feed.open();

@@ -152,6 +152,23 @@ TEST(LookaheadLimiter, ForgetsAPeakOfThreeDecibelsWithinItsPreroll)
     const auto limited = limit(signal);
     EXPECT_LT(limited[0][10000 + preroll / 2], 0.9F);
     EXPECT_EQ(limited[0][10000 + preroll], 0.9F);
+    EXPECT_LT(limited[0][10000 + preroll - 450], 0.9F) << "nor does it ask for much more";
+}
+
+TEST(LookaheadLimiter, GoesDownAlongAStraightLineAsLongAsTheLookahead)
+{
+    constexpr std::size_t peak = 10000;
+    Signal signal(20000, 0.5F);
+    signal[peak] = 2.0F;
+    const auto limited = limit(signal);
+    const std::size_t lookahead = LookaheadLimiter(stereo, 1).latencyFrames();
+    EXPECT_EQ(lookahead, 221U) << "5 ms";
+    const double reduction = 1 - static_cast<double>(ceiling) / 2;
+    for (std::size_t before = 1; before <= lookahead + 1; ++before) {
+        const double part = 1 - static_cast<double>(before) / static_cast<double>(lookahead + 1);
+        EXPECT_NEAR(limited[0][peak - before], 0.5 * (1 - reduction * part), 1e-6) << before;
+    }
+    EXPECT_EQ(limited[0][peak - lookahead - 1], 0.5F);
 }
 
 TEST(LookaheadLimiter, BeginsAnewWhenReset)
@@ -171,6 +188,29 @@ TEST(LookaheadLimiter, BeginsAnewWhenReset)
     std::fill_n(expected.begin(), limiter.latencyFrames(), 0.0F);
     EXPECT_EQ(process(0.5F), expected);
     EXPECT_EQ(process(0.75F)[255], 0.75F);
+}
+
+TEST(LookaheadLimiter, BeginsAnewInTheMiddleOfAReduction)
+{
+    LookaheadLimiter used(stereo, 256);
+    LookaheadLimiter fresh(stereo, 256);
+    const auto buffer = AudioPCMBuffer::create(stereo, 256);
+    const auto process = [&buffer](LookaheadLimiter& limiter, float level) {
+        buffer->setFrameLength(256);
+        for (std::uint32_t frame = 0; frame < 256; ++frame) {
+            buffer->channel(0)[frame] = frame % 100 == 50 ? level : 0.5F;
+            buffer->channel(1)[frame] = 0.25F;
+        }
+        limiter.process(*buffer);
+        return Signal(buffer->channel(0).begin(), buffer->channel(0).end());
+    };
+    for (int round = 0; round < 3; ++round) {
+        (void)process(used, 4.0F);
+    }
+    used.reset();
+    for (const float level : {1.2F, 0.5F, 1.1F, 0.5F}) {
+        EXPECT_EQ(process(used, level), process(fresh, level)) << level;
+    }
 }
 
 TEST(LookaheadLimiter, DoesNotDependOnBlockSizes)

@@ -81,5 +81,33 @@ TEST(ReadAhead, ThrowsAFailureWhereItsChunkIsTakenAndNotBefore)
     EXPECT_THROW((void)readAhead.next(), PlatformError);
 }
 
+/// Fails once, in its third block.
+class StumblingNode final : public AudioNode {
+public:
+    void render(AudioPCMBuffer& buffer, std::uint32_t frameCount) override
+    {
+        if (++count_ == 3) {
+            throw PlatformError("disk on fire");
+        }
+        buffer.setFrameLength(frameCount);
+    }
+
+private:
+    int count_ = 0;
+};
+
+TEST(ReadAhead, ForgetsAFailureThatWasTold)
+{
+    StumblingNode source;
+    ReadAhead readAhead(source, mono, chunkFrames);
+    for (int chunk = 1; chunk <= 9; ++chunk) {
+        if (chunk == 3) {
+            EXPECT_THROW((void)readAhead.next(), PlatformError);
+        } else {
+            EXPECT_NO_THROW((void)readAhead.next()) << chunk;
+        }
+    }
+}
+
 }  // namespace
 }  // namespace tonvale

@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <utility>
@@ -55,6 +56,24 @@ TEST(StereoMix, MixesSurroundByWhereTheLoudspeakersStand)
         expectGains(gainsOf(surround, 3), 0, 0);
         expectGains(gainsOf(surround, 4), half / most, 0);
         expectGains(gainsOf(surround, 5), 0, half / most);
+    }
+}
+
+TEST(StereoMix, KnowsEveryLoudspeaker)
+{
+    // In the order of the mask's bits, behind front left and front right.
+    const std::array<Gains, 16> expected{
+        Gains{half, half}, {0, 0},    {half, 0},    {0, half},    {half, 0}, {0, half},
+        {0.5F, 0.5F},      {half, 0}, {0, half},    {0.5F, 0.5F}, {half, 0}, {0.5F, 0.5F},
+        {0, half},         {half, 0}, {0.5F, 0.5F}, {0, half}};
+    for (std::uint32_t index = 0; index < expected.size(); ++index) {
+        SCOPED_TRACE(index + 2);
+        const AudioFormat format{48000, 3, 3U | 1U << (index + 2)};
+        const auto [left, right] = expected[index];
+        const float loudest = 1 + std::max(left, right);
+        expectGains(gainsOf(format, 0), 1 / loudest, 0);
+        expectGains(gainsOf(format, 1), 0, 1 / loudest);
+        expectGains(gainsOf(format, 2), left / loudest, right / loudest);
     }
 }
 
