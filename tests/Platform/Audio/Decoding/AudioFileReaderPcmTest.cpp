@@ -135,6 +135,8 @@ TEST_F(Pcm, SongWithoutFramesIsEmptyAndKeepsItsFormat)
         EXPECT_EQ(reader.length(), 0) << name;
         EXPECT_EQ(reader.format(), (AudioFormat{32000, 2})) << name;
         EXPECT_TRUE(readAll(reader)[0].empty()) << name;
+        writeSong(path, 32000, {{}});
+        EXPECT_EQ(AudioFileReader(path).format(), (AudioFormat{32000, 1})) << name;
     }
 }
 

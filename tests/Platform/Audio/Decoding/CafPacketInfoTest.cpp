@@ -42,6 +42,7 @@ TEST(CafPacketInfoTest, TheTableIsFoundBehindOtherChunks)
 {
     Bytes chunks = chunk("desc", Bytes(32));
     append(chunks, chunk("free", Bytes(5)));
+    append(chunks, chunk("free", {}));
     append(chunks, packetTable(0x0102030405, 0x000A0B0C));
     append(chunks, chunk("data", Bytes(100)));
     const auto info = parsed(chunks);

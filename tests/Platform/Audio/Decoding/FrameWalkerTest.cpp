@@ -72,6 +72,27 @@ TEST(FrameWalkerTest, AHeaderIsBelievedWhenTwoMoreFollow)
     EXPECT_EQ(found(bytes).size(), 3U);
 }
 
+TEST(FrameWalkerTest, TheLastFramesOfAFileNeedFewerToFollow)
+{
+    EXPECT_EQ(found(frames({9})).size(), 1U) << "a file of one frame";
+    Bytes bytes = frames({9, 9, 9});
+    append(bytes, Bytes(50, 0x20));
+    append(bytes, frames({9}));
+    EXPECT_EQ(found(bytes).size(), 3U) << "one by chance";
+    append(bytes, frames({9}));
+    EXPECT_EQ(found(bytes).size(), 5U);
+}
+
+TEST(FrameWalkerTest, NoFrameIsMissedBehindAnyLengthOfJunk)
+{
+    for (const std::size_t size : {1U, 32767U, 32768U, 32769U, 65535U, 65536U, 65537U}) {
+        Bytes bytes(size, 0x20);
+        append(bytes, frames({9, 9, 9}));
+        EXPECT_EQ(found(bytes).size(), 3U) << size;
+        EXPECT_EQ(found(bytes).front(), static_cast<std::int64_t>(size));
+    }
+}
+
 TEST(FrameWalkerTest, TagsAreSteppedOver)
 {
     Bytes tag = text("ID3\x04");
@@ -113,6 +134,7 @@ TEST(FrameWalkerTest, ASampleMeasuresTheFramesThatFollowAPlace)
     EXPECT_EQ(sample.bytes, size(9) + size(5) + size(14));
     EXPECT_EQ(sample.smallest, size(5));
     EXPECT_EQ(sample.largest, size(14));
+    EXPECT_EQ(walker.sampleAfter(size(14) + size(9), 3).smallest, size(5)) << "the first of them";
     EXPECT_EQ(walker.sampleAfter(size(14), 100).count, 5);
     EXPECT_EQ(walker.next()->offset, 0) << "the walk itself has not moved";
 }

@@ -126,6 +126,16 @@ TEST(Mp3InfoTagTest, TheOtherTagStandsAlwaysAtOnePlace)
     EXPECT_FALSE(Mp3InfoTag::parse(mp3Header(576, true), frameWith(tag, 37)));
 }
 
+TEST(Mp3InfoTagTest, NumbersMayEndWithTheFrameAndAreZeroWhereTheyAreCutOff)
+{
+    const auto info = Mp3InfoTag::parse(usual, frameWith(xing(1), 36));
+    ASSERT_TRUE(info);
+    EXPECT_EQ(info->packetCount, 0x01020304);
+    Bytes cut = xing(1);
+    cut.pop_back();
+    EXPECT_EQ(Mp3InfoTag::parse(usual, frameWith(cut, 36))->packetCount, 0);
+}
+
 TEST(Mp3InfoTagTest, MusicAndOtherLayersHaveNone)
 {
     EXPECT_FALSE(Mp3InfoTag::parse(usual, Bytes(400, 0x55)));

@@ -80,6 +80,23 @@ TEST(Mp4TimingTest, EditsThatCannotBeAreLeftOut)
     EXPECT_EQ(timing->edit->duration, 1LL << 50);
 }
 
+TEST(Mp4TimingTest, AnEditMayBeginAtTheVeryStart)
+{
+    const auto timing = parsed(movie(track(1, 44100, editList(false, {{100, 0}, {50, 1024}}))));
+    ASSERT_TRUE(timing && timing->edit);
+    EXPECT_EQ(timing->edit->mediaStart, 0);
+    EXPECT_EQ(timing->edit->duration, 150);
+}
+
+TEST(Mp4TimingTest, AListHasNoMoreEditsThanItSays)
+{
+    Bytes edits = editList(false, {{100, 1024}, {50, 9000}});
+    edits.at(8 + 8 + 7) = 1;  // behind two headers of boxes, the last byte of the count
+    const auto timing = parsed(movie(track(1, 44100, edits)));
+    ASSERT_TRUE(timing && timing->edit);
+    EXPECT_EQ(timing->edit->duration, 100);
+}
+
 TEST(Mp4TimingTest, AListShorterThanItSaysEndsWhereItEnds)
 {
     Bytes content = {0, 0, 0, 0, 0, 0, 0, 9};

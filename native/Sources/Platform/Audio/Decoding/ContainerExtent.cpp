@@ -70,8 +70,7 @@ std::int64_t linearFrames(const ContainerFacts& facts)
 }
 
 struct Padding {
-    unsigned start = 0;  ///< frames
-    unsigned end = 0;
+    unsigned start = 0;        ///< frames
     std::uint64_t length = 0;  ///< frames of music
 };
 
@@ -85,7 +84,7 @@ std::optional<Padding> paddingFromText(const AVStream& stream, const AVFormatCon
     Padding padding;
     unsigned long long length = 0;
     if (entry == nullptr
-        || std::sscanf(entry->value, "%*x %x %x %llx", &padding.start, &padding.end, &length) != 3
+        || std::sscanf(entry->value, "%*x %x %*x %llx", &padding.start, &length) != 2
         || padding.start > 65536 || length == 0 || length > 1ULL << 40U) {
         return std::nullopt;
     }
