@@ -142,6 +142,10 @@ class WindowTestCase(unittest.TestCase):
     # Panels
 
     def accept_panel(self, title: str, file: Path | str) -> None:
+        self.fill_panel(title, file)
+        self.hands.keys("Return")
+
+    def fill_panel(self, title: str, file: Path | str) -> None:
         """Types a file's name into a file panel, over what stands there."""
         self.program.dialog(title)
         self.program.wait_for_focus("text", "File name:")
@@ -149,14 +153,16 @@ class WindowTestCase(unittest.TestCase):
         self.hands.type(str(file))
         wait_until(lambda: (field := self.program.look("text", "File name:")) and field.text == str(file),
                    f"the file name {str(file)!r} in the panel")
-        self.hands.keys("Return")
 
     def press_in_question(self, answer: str) -> None:
-        """Answers whether a file is to be replaced."""
+        self.answer_button(answer).press()
+
+    def answer_button(self, answer: str) -> Element:
+        """Of the question whether a file is to be replaced."""
         def button() -> Element | None:
             return next((element for element in self.program.elements()
                          if element.role == "push button" and element.name.replace("&", "") == answer), None)
-        wait_until(button, lambda: f"the question among\n{self.program.describe()}").press()
+        return wait_until(button, lambda: f"the question among\n{self.program.describe()}")
 
     def save_as(self, file: Path | str) -> None:
         self.press_convert()

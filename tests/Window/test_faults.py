@@ -3,18 +3,22 @@
 """What goes wrong around the window: disks that fill up, songs that vanish, programs that are killed."""
 
 import collections
+import contextlib
 import errno
 import math
 import os
 import random
 import stat
+import threading
 import time
 import unittest
+from collections.abc import Callable
 from pathlib import Path
 from typing import ClassVar
 
 import songs
-from cases import WindowTestCase
+from accessibility import Gone
+from cases import SAVE_PANEL, WindowTestCase
 from processes import wait_until
 
 FAULTY_FILES = "TONVALE_FAULTY_FILES"  # the environment variable that says where that library is
@@ -113,21 +117,24 @@ class KilledTest(WindowTestCase):
         self.song = self.tone(seconds=120)
         self.recording = self.song.read_bytes()
         self.saved = self.folder / "saved.wav"
-        start = self.save_to(self.saved)
+        press = self.prepare_to_save(self.saved)
+        start = time.monotonic()
+        press()
         self.program.wait_for_text("Saved +2 semitones")
         self.usual_seconds = time.monotonic() - start
         self.whole = self.saved.read_bytes()
         self.program.kill()
 
-    def save_to(self, file: Path) -> float:
-        """@return when the program was told to, by the monotonic clock"""
+    def prepare_to_save(self, file: Path) -> Callable[[], None]:
+        """@return what is left to do"""
         self.load(self.song)
         self.choose_key("New key", "C major")
-        exists = file.exists()
-        self.save_as(file)
-        if exists:
-            self.press_in_question("Yes")
-        return time.monotonic()
+        self.press_convert()
+        self.fill_panel(SAVE_PANEL, file)
+        if not file.exists():
+            return lambda: self.hands.keys("Return")
+        self.hands.keys("Return")
+        return self.answer_button("Yes").press
 
     def moments(self, count: int) -> list[float]:
         """Random ones, one in each of `count` equal parts of the time that saving takes, in seconds."""
@@ -136,8 +143,12 @@ class KilledTest(WindowTestCase):
 
     def kill_while_saving(self, name: str, file: Path, moment: float) -> None:
         self.program = self.start(name)
-        self.save_to(file)
-        time.sleep(moment)  # which nothing waits for
+        press = self.prepare_to_save(file)
+        killer = threading.Timer(moment, self.program.process.kill)
+        killer.start()
+        with contextlib.suppress(Gone):  # killed before it could say that it was pressed
+            press()
+        killer.join()
         self.program.kill()
         self.assertEqual((self.program.output, self.program.files_written), ("", []))
         self.assertLessEqual({entry.name for entry in self.folder.iterdir() if not entry.is_dir()},
@@ -167,8 +178,6 @@ class KilledTest(WindowTestCase):
                 outcomes[self.left(self.saved, former)] += 1
         print(dict(outcomes))
         self.assertGreater(outcomes["a beginning"] + outcomes["all of it"], 0, "no kill while something was saved")
-        self.program = self.start("last program")
-        self.load(self.song)
 
     def test_leaves_of_a_song_that_is_replaced_either_recording_or_a_part_of_the_new_one(self):
         outcomes = collections.Counter()
