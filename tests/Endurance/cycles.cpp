@@ -5,7 +5,7 @@
 // Loads, plays, retunes and saves songs again and again in one process, with the real engine and a
 // sound server of its own that plays to nobody, and watches what the process holds of the machine.
 //
-//     endurance-cycles [cycles]     (1000)
+//     endurance-cycles [cycles]     more than 100 (1000)
 
 #include "Platform/Desktop/FilePanels.h"
 #include "Support/MainLoop.h"
@@ -17,13 +17,15 @@
 
 #include <QCoreApplication>
 
+#include <cstddef>
 #include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <memory>
+#include <optional>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -122,13 +124,14 @@ void runCycle(AudioTransposeModel& model, const std::filesystem::path& song, int
 bool holdsNoMoreThan(const Footprint& first)
 {
     return test::eventually([&] {
-        return test::threadCount() == first.threads
-               && test::openDescriptors().size() == first.descriptors;
+        return test::threadCount() <= first.threads
+               && test::openDescriptors().size() <= first.descriptors;
     });
 }
 
-int run(int cycles)
+void run(int cycles)
 {
+    expect(cycles > warmUpCycles, "there must be more cycles than the warm-up has");
     const test::PulseServer server;
     const test::TemporaryFolder folder;
     const std::vector<std::filesystem::path> songs = makeSongs(folder.path());
@@ -136,7 +139,6 @@ int run(int cycles)
         [&] { return std::make_unique<SilentSavePanel>(folder.path() / "saved.wav"); });
     AudioTransposeModel model;
     Footprint first{};
-    double largest = 0;
     for (int cycle = 1; cycle <= cycles; ++cycle) {
         runCycle(model, songs[static_cast<std::size_t>(cycle) % songs.size()], cycle);
         if (cycle == warmUpCycles) {
@@ -147,7 +149,6 @@ int run(int cycles)
         }
         expect(cycle < warmUpCycles || holdsNoMoreThan(first), "threads or descriptors grow");
         const Footprint now = footprint();
-        largest = std::max(largest, now.memory);
         std::printf("%5d cycles  %6.2f MiB  %zu threads  %zu descriptors\n", cycle, now.memory,
                     now.threads, now.descriptors);
         std::fflush(stdout);
@@ -155,7 +156,6 @@ int run(int cycles)
     const double growth = footprint().memory - first.memory;
     std::printf("growth after %d cycles of warm-up: %.2f MiB\n", warmUpCycles, growth);
     expect(growth < allowedGrowth, "memory grows");
-    return 0;
 }
 
 }  // namespace
@@ -164,7 +164,8 @@ int main(int argc, char** argv)
 {
     const QCoreApplication application(argc, argv);
     try {
-        return run(argc > 1 ? std::atoi(argv[1]) : 1000);
+        run(argc > 1 ? std::stoi(argv[1]) : 1000);
+        return 0;
     } catch (const std::exception& error) {
         std::fprintf(stderr, "endurance-cycles: %s\n", error.what());
         return 1;

@@ -22,9 +22,9 @@ class Footprint:
         return cls(kibibytes["Private_Dirty:"] / 1024, len(list((folder / "task").iterdir())),
                    len(list((folder / "fd").iterdir())))
 
-    def is_as_many_as(self, other: Footprint) -> bool:
-        """Whether threads and descriptors are no more and no fewer."""
-        return (self.threads, self.descriptors) == (other.threads, other.descriptors)
+    def is_within(self, other: Footprint) -> bool:
+        """Whether there are no more threads and descriptors."""
+        return self.threads <= other.threads and self.descriptors <= other.descriptors
 
     def __str__(self) -> str:
         return f"{self.memory:.1f} MiB, {self.threads} threads, {self.descriptors} descriptors"
