@@ -85,17 +85,17 @@ TEST_F(OpenPanelDialog, AsksForOneExistingAudioFile)
     EXPECT_EQ(OpenPanel::create()->runModal(), std::nullopt);
 }
 
-TEST_F(OpenPanelDialog, LeavesNoIconsOfFilesInMemory)
+TEST_F(OpenPanelDialog, LeavesNeitherIconsNorTheirNamesInMemory)
 {
-    const QString icon = QStringLiteral("icon of a file");
+    // Once in the cache of the toolkit, an icon leaves its name there for ever.
+    bool isKept = true;
     DialogScript script;
-    script.fileDialog([&icon](QFileDialog& dialog) {
-        QPixmapCache::insert(icon, QPixmap(16, 16));
+    script.fileDialog([&isKept](QFileDialog& dialog) {
+        isKept = QPixmapCache::insert(QStringLiteral("icon of a file"), QPixmap(16, 16));
         dialog.reject();
     });
     EXPECT_EQ(OpenPanel::create()->runModal(), std::nullopt);
-    QPixmap kept;
-    EXPECT_FALSE(QPixmapCache::find(icon, &kept));
+    EXPECT_FALSE(isKept);
 }
 
 TEST_F(OpenPanelDialog, HasColumnsAsWideAsSizesTypesAndDates)

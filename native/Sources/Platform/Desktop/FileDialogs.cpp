@@ -77,6 +77,13 @@ void putOver(QWidget& dialog, QWindow& window)
     dialog.windowHandle()->setTransientParent(&window);
 }
 
+/// Panels draw icons of their own. The toolkit would keep them, under names that no later panel asks
+/// for, and the names even when the icons go; what does not fit leaves nothing.
+void keepNoIcons()
+{
+    QPixmapCache::setCacheLimit(0);
+}
+
 struct DialogContext {
     QWindow& window;
     const ColorScheme& scheme;
@@ -103,7 +110,6 @@ public:
     {
         const int answer = QFileDialog::exec();
         window_.requestActivate();
-        QPixmapCache::clear();  // the icons of this panel, under names that no later one asks for
         return answer;
     }
 
@@ -216,6 +222,7 @@ private:
 
 void useFileDialogs(QWindow& window, const ColorScheme& scheme)
 {
+    keepNoIcons();
     const DialogContext context{.window = window, .scheme = scheme};
     OpenPanel::replaceFactory([context] { return std::make_unique<FileOpenDialog>(context); });
     SavePanel::replaceFactory([context] { return std::make_unique<FileSaveDialog>(context); });
