@@ -95,6 +95,29 @@ TEST(PitchShifterOnsetTest, SoundThatSwellsIntoAnOnsetIsHeardBeforeIt)
     }
 }
 
+TEST(PitchShifterOnsetTest, ToneThatRisesAtAnOnsetKeepsItsLevelUntilThen)
+{
+    // What sounds on through an onset overlaps with itself, so it must not start anew there.
+    constexpr std::size_t onset = 40000;
+    constexpr std::size_t window = 441;
+    for (const double frequency : {400.0, 800.0, 6000.0}) {
+        Signal in = test::tones({{frequency, 0.1, 0}}, rate, 60000);
+        for (std::size_t frame = onset; frame < in[0].size(); ++frame) {
+            in[0][frame] *= 1.41F;  // 3 dB
+            in[0][frame] += static_cast<float>(hit(secondsOf(frame) - secondsOf(onset)));
+        }
+        for (const float cents : {-400.0F, 500.0F}) {
+            const Signal out = shifted(in, rate, cents);
+            double lowest = 0;
+            for (std::size_t end = onset - 66; end > onset - 2500; end -= 110) {
+                const double level = decibels(rms(out[0], end - window, end) * std::sqrt(2.0));
+                lowest = std::min(lowest, level - decibels(0.1));
+            }
+            EXPECT_GT(lowest, -1) << frequency << " Hz, " << cents << " cents";  // was -11
+        }
+    }
+}
+
 /// Syllables of a voice: pulses at 110 Hz that ring at a formant, with swells of 60 ms.
 Signal syllables()
 {

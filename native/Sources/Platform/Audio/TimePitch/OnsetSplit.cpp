@@ -46,8 +46,6 @@ void OnsetSplit::update(const FrameHistory& frames, std::int64_t number,
 void OnsetSplit::shareBefore(const FrameHistory& frames, std::int64_t number, const Onset& onset,
                              Array<float>& share) noexcept
 {
-    constexpr float surelyNew = 0.3F;
-    constexpr float surelyOld = 0.4F;
     const Array<float>& before = frames.at(frameBefore(design_.geometry, onset)).spreadPower;
     const Array<float>& now = frames.at(number).spreadPower;
     const auto layer = static_cast<std::size_t>(design_.geometry.index);

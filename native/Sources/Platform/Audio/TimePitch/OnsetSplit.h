@@ -35,8 +35,17 @@ public:
     /// The last frame whose heard part ends before `onset`.
     [[nodiscard]] static std::int64_t frameBefore(const LayerGeometry& layer,
                                                   const Onset& onset) noexcept;
+    /// Whether a bin with these powers before the onset and now is more new than old.
+    [[nodiscard]] static constexpr bool isNew(float before, float now) noexcept
+    {
+        constexpr float middle = (surelyNew + surelyOld) / 2;
+        return before < middle * middle * now;
+    }
 
 private:
+    static constexpr float surelyNew = 0.3F;  ///< amplitude before the onset over that now
+    static constexpr float surelyOld = 0.4F;
+
     void shareBefore(const FrameHistory& frames, std::int64_t number, const Onset& onset,
                      Array<float>& share) noexcept;
 

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <utility>
 
+#include "Platform/Audio/TimePitch/OnsetSplit.h"
 #include "Platform/Audio/TimePitch/PhaseTracker.h"
 
 namespace tonvale::timepitch {
@@ -83,7 +84,7 @@ double PhaseTracker::rotationOf(const SpectralPeak& peak, const Frame& frame,
         const Onset& onset = *frame.firstAfter;
         const float remainder = onset.remainder[static_cast<std::size_t>(layer.index)];
         const float before = remainder * (*frame.powerBefore)[peak.bin];
-        if (before < frame.spectrum.spreadPower[peak.bin]) {
+        if (OnsetSplit::isNew(before, frame.spectrum.spreadPower[peak.bin])) {
             const auto distance = static_cast<double>(frame.reference + offset - onset.position);
             return (frame.ratio - 1) * distance * static_cast<double>(peak.advanceAfter)
                    / layer.hop;

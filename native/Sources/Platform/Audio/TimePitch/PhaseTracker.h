@@ -20,8 +20,10 @@ namespace tonvale::timepitch {
 /// with k' and the advance from PeakTracker. The rotation is kept for every bin of the region, so
 /// that a peak which is new inherits from whoever owned its bin. Exceptions: in the crossover a
 /// peak takes the rotation of the layer below, so both halves of a partial stay together; at an
-/// onset a rising peak gets the rotation that is zero at the onset's first sample, so all partials
-/// of a hit keep its wave shape; at the input's own pitch rotations slowly return to zero.
+/// onset a peak that is new gets the rotation that is zero at the onset's first sample, so all
+/// partials of a hit keep its wave shape (one that has only risen goes on as it was: its frames
+/// from before and after the onset overlap and must agree); at the input's own pitch rotations
+/// slowly return to zero.
 /// @thread WORKER, one at a time; only constructing allocates
 class PhaseTracker {
 public:
