@@ -2,7 +2,9 @@
 //
 // SPDX-License-Identifier: GPL-3.0-or-later
 
+#include <algorithm>
 #include <cmath>
+#include <numbers>
 #include <random>
 #include <vector>
 
@@ -94,6 +96,34 @@ TEST(OnsetDetectorTest, CloseHitsCountAsOne)
     addHit(signal[0], 20000, 44100, 1);
     addHit(signal[0], 20300, 44100, 2);  // 7 ms later
     EXPECT_EQ(detect(signal, 44100).size(), 1U);
+}
+
+TEST(OnsetDetectorTest, VoiceThatBeginsIsOneOnset)
+{
+    // Pulses at 115 Hz that grow by 4 dB each, 40 dB in all, and then stay.
+    test::Signal signal = test::silence(44100);
+    double loudness = -40;
+    for (std::size_t pulse = 10000; pulse + 384 < signal[0].size(); pulse += 384) {
+        for (std::size_t i = 0; i < 384; ++i) {
+            const auto t = static_cast<double>(i) / 44100;
+            signal[0][pulse + i] =
+                static_cast<float>(0.5 * std::pow(10.0, loudness / 20) * std::exp(-t / 0.002)
+                                   * std::sin(2 * std::numbers::pi * 2100 * t));
+        }
+        loudness = std::min(0.0, loudness + 4);
+    }
+    const std::vector<Onset> onsets = detect(signal, 44100);
+    ASSERT_EQ(onsets.size(), 1U);
+    EXPECT_NEAR(static_cast<double>(onsets[0].position), 10000, 5);
+}
+
+TEST(OnsetDetectorTest, HitsThatFollowSoonAreFound)
+{
+    test::Signal signal = test::silence(44100);
+    for (unsigned hit = 0; hit < 10; ++hit) {
+        addHit(signal[0], 20000 + 1323 * std::size_t{hit}, 44100, 5);  // 30 ms
+    }
+    EXPECT_EQ(detect(signal, 44100).size(), 10U);
 }
 
 TEST(OnsetDetectorTest, EnvelopeIsTheLargestBlockInRange)

@@ -18,12 +18,14 @@ constexpr double midEdge = 900;    // the middle one all above it,
 constexpr double highEdge = 4000;  // the upper one all above this
 constexpr float silence = 1e-8F;   // -80 dBFS
 constexpr float certainRise = 6;   // over the mean of the past
-constexpr float certainPeak = 2;   // over its maximum
+constexpr float certainPeak = 2;   // over its maximum,
+constexpr float certainAgain = 3;  // or this, within againSeconds of another onset
 constexpr float softRise = 4;      // enough for a band when another one is certain
 constexpr int pastBegin = 2;       // blocks before: the past that a block is compared with
 constexpr int pastEnd = 18;
 constexpr double shortestGapSeconds = 0.015;  // closer hits count as one
 constexpr double joinSeconds = 0.004;         // bands may still join an onset
+constexpr double againSeconds = 0.1;
 
 int blockFramesAt(double sampleRate)
 {
@@ -43,6 +45,7 @@ OnsetDetector::OnsetDetector(const Geometry& geometry, unsigned channelCount)
     , blockFrames_(blockFramesAt(geometry.sampleRate))
     , shortestGap_(static_cast<Frames>(shortestGapSeconds * geometry.sampleRate))
     , joinTime_(static_cast<Frames>(joinSeconds * geometry.sampleRate))
+    , againTime_(static_cast<Frames>(againSeconds * geometry.sampleRate))
     , coefficients_{onePole(rumbleEdge, geometry.sampleRate), onePole(midEdge, geometry.sampleRate),
                     onePole(highEdge, geometry.sampleRate)}
     , filters_((channelCount + 1) / 2)
@@ -138,6 +141,9 @@ void OnsetDetector::filterPair(Filters& state, const float* a, const float* b,
 
 void OnsetDetector::judgeBlock(const InputHistory& input) noexcept
 {
+    Onset* last = onsets_.last();
+    const Frames sinceLast = last != nullptr ? block_ * blockFrames_ - last->position : againTime_;
+    const float peakRise = sinceLast < againTime_ ? certainAgain : certainPeak;
     unsigned certain = 0;
     unsigned soft = 0;
     for (std::size_t band = 0; band < bandCount; ++band) {
@@ -150,12 +156,10 @@ void OnsetDetector::judgeBlock(const InputHistory& input) noexcept
         const float mean = sum / (pastEnd - pastBegin);
         const float now = power(band, block_);
         const unsigned bit = 1U << band;
-        certain |= now > certainRise * mean + silence && now > certainPeak * largest ? bit : 0;
+        certain |= now > certainRise * mean + silence && now > peakRise * largest ? bit : 0;
         soft |= now > softRise * mean + silence ? bit : 0;
     }
     constexpr unsigned upperBands = 6;
-    Onset* last = onsets_.last();
-    const Frames sinceLast = last != nullptr ? block_ * blockFrames_ - last->position : 0;
     if ((certain & upperBands) != 0) {
         if (last != nullptr && sinceLast < shortestGap_) {
             last->layers |= certain | soft;

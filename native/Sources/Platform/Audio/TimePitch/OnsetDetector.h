@@ -18,8 +18,10 @@ namespace tonvale::timepitch {
 ///
 /// A block is an onset when its energy is more than six times the mean and twice the maximum of
 /// the 24 ms before it, in one of the two upper bands (bass notes rise too softly to have a
-/// place). The sample is then the first around it whose squared difference to the one before
-/// exceeds 2 % of the largest. The past of a stream is silence, so its first sound is an onset.
+/// place). Within 0.1 s of another onset it must be three times that maximum: the first pulses of a
+/// voice may each be twice as strong as the one before, but they all belong to one onset. The
+/// sample is then the first around it whose squared difference to the one before exceeds 2 % of the
+/// largest. The past of a stream is silence, so its first sound is an onset.
 /// @thread WORKER, one at a time; only constructing allocates
 class OnsetDetector {
 public:
@@ -69,6 +71,7 @@ private:
     int blockFrames_;
     Frames shortestGap_;
     Frames joinTime_;
+    Frames againTime_;
     std::array<float, bandCount> coefficients_{};
     std::vector<Filters> filters_;  ///< per pair of channels
     Array<float> silence_;          ///< what an odd channel is paired with
