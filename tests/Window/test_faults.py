@@ -114,7 +114,7 @@ class KilledTest(WindowTestCase):
         super().setUp()
         self.seed = random.randrange(1 << 32)
         print("seed", self.seed)
-        self.song = self.tone(seconds=120)
+        self.song = self.tone(seconds=30)
         self.recording = self.song.read_bytes()
         self.saved = self.folder / "saved.wav"
         press = self.prepare_to_save(self.saved)
