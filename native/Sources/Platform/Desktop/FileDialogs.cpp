@@ -77,8 +77,8 @@ void putOver(QWidget& dialog, QWindow& window)
     dialog.windowHandle()->setTransientParent(&window);
 }
 
-/// Panels draw icons of their own. The toolkit would keep them, under names that no later panel asks
-/// for, and the names even when the icons go; what does not fit leaves nothing.
+/// Panels draw icons of their own. The toolkit would keep them, under names that no later panel
+/// asks for, and the names even when the icons go; what does not fit leaves nothing.
 void keepNoIcons()
 {
     QPixmapCache::setCacheLimit(0);
