@@ -225,6 +225,14 @@ TEST(AudioEngineDeathTest, AbortsForABufferOfAnotherFormat)
     EXPECT_EXIT((void)engine.renderOffline(64, *buffer), ::testing::KilledBySignal(SIGABRT), "");
 }
 
+TEST(AudioEngineDeathTest, HasNoRenderingFormatOnceRenderingIsDisabled)
+{
+    AudioEngine engine;
+    engine.enableManualRenderingMode(offline, mono, 64);
+    engine.disableManualRenderingMode();
+    EXPECT_EXIT((void)engine.manualRenderingFormat(), ::testing::KilledBySignal(SIGABRT), "");
+}
+
 TEST(AudioEngineDeathTest, ConnectsOnlyWhatIsAttached)
 {
     SignalNode source(ramp(10));

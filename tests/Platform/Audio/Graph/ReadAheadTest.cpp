@@ -56,24 +56,27 @@ TEST(ReadAhead, EndsWithoutAnyoneHavingTakenAChunk)
     const ReadAhead readAhead(source, mono, chunkFrames);
 }
 
-/// Fails from its third block on.
+/// Fails `failures` times, from its third block on.
 class FailingNode final : public AudioNode {
 public:
+    explicit FailingNode(int failures) : failures_(failures) {}
+
     void render(AudioPCMBuffer& buffer, std::uint32_t frameCount) override
     {
-        if (++count_ > 2) {
+        if (++count_ > 2 && count_ <= 2 + failures_) {
             throw PlatformError("disk on fire");
         }
         buffer.setFrameLength(frameCount);
     }
 
 private:
+    int failures_;
     int count_ = 0;
 };
 
 TEST(ReadAhead, ThrowsAFailureWhereItsChunkIsTakenAndNotBefore)
 {
-    FailingNode source;
+    FailingNode source(2);
     ReadAhead readAhead(source, mono, chunkFrames);
     EXPECT_NO_THROW((void)readAhead.next());
     EXPECT_NO_THROW((void)readAhead.next());
@@ -81,24 +84,9 @@ TEST(ReadAhead, ThrowsAFailureWhereItsChunkIsTakenAndNotBefore)
     EXPECT_THROW((void)readAhead.next(), PlatformError);
 }
 
-/// Fails once, in its third block.
-class StumblingNode final : public AudioNode {
-public:
-    void render(AudioPCMBuffer& buffer, std::uint32_t frameCount) override
-    {
-        if (++count_ == 3) {
-            throw PlatformError("disk on fire");
-        }
-        buffer.setFrameLength(frameCount);
-    }
-
-private:
-    int count_ = 0;
-};
-
 TEST(ReadAhead, ForgetsAFailureThatWasTold)
 {
-    StumblingNode source;
+    FailingNode source(1);
     ReadAhead readAhead(source, mono, chunkFrames);
     for (int chunk = 1; chunk <= 9; ++chunk) {
         if (chunk == 3) {

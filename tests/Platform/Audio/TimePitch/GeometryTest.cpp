@@ -113,6 +113,7 @@ TEST(GeometryTest, OnlyTheLayerWithTheShortestWindowsCanWait)
 TEST(GeometryTest, LayersWithoutABandAreLeftOut)
 {
     EXPECT_EQ(makeGeometry(2000).layers.size(), 1U);
+    EXPECT_EQ(makeGeometry(2000).block, makeGeometry(2000).layers[0].hop);
     EXPECT_EQ(makeGeometry(3190).layers.size(), 1U);  // the second needs 1600 Hz
     EXPECT_EQ(makeGeometry(3210).layers.size(), 2U);
     EXPECT_EQ(makeGeometry(8000).layers.size(), 2U);
