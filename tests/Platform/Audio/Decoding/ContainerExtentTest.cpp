@@ -77,6 +77,8 @@ TEST(ContainerExtentTest, LinearFramesAreThoseTold)
     wave.facts().duration = 1000;
     EXPECT_EQ(wave.extent().start, 0);
     EXPECT_EQ(wave.end(), 1000);
+    wave.facts().duration = 1;
+    EXPECT_EQ(wave.end(), 1);
 }
 
 TEST(ContainerExtentTest, LinearFramesAreNeverMoreThanTheFileHas)

@@ -83,6 +83,17 @@ TEST(FrameWalkerTest, TheLastFramesOfAFileNeedFewerToFollow)
     EXPECT_EQ(found(bytes).size(), 5U);
 }
 
+TEST(FrameWalkerTest, AHeaderThatIsNotBelievedEndsTheRun)
+{
+    Bytes bytes = frames({9, 9, 9});
+    append(bytes, Bytes{0xFF, 0xFD, 0x90, 0});  // of another layer, and nothing behind it
+    append(bytes, Bytes(50, 0x20));
+    append(bytes, mp3Frame(5));  // by chance
+    append(bytes, Bytes(50, 0x20));
+    append(bytes, frames({9, 9, 9}));
+    EXPECT_EQ(found(bytes).size(), 6U);
+}
+
 TEST(FrameWalkerTest, NoFrameIsMissedBehindAnyLengthOfJunk)
 {
     for (const std::size_t size : {1U, 32767U, 32768U, 32769U, 65535U, 65536U, 65537U}) {

@@ -53,6 +53,7 @@ TEST(PacketDuration, OfFlacIsFoundBehindALongFrameNumber)
 {
     EXPECT_EQ(framesOf(AV_CODEC_ID_FLAC, flacFrame(7, {0xE1, 0x80, 0x80, 3, 231})), 1000);
     EXPECT_EQ(framesOf(AV_CODEC_ID_FLAC, flacFrame(7, {0xE1, 0x80, 0x80, 3})), 0) << "cut off";
+    EXPECT_EQ(framesOf(AV_CODEC_ID_FLAC, flacFrame(12, {5})), 4096);
     EXPECT_EQ(framesOf(AV_CODEC_ID_FLAC, flacFrame(12, {})), 0) << "cut off";
     EXPECT_EQ(framesOf(AV_CODEC_ID_FLAC, {0, 0, 0xC9, 0x18, 5, 0}), 0) << "no frame";
 }

@@ -222,13 +222,15 @@ void ContainerSource::open(DiskFailures failures)
 /// @return the number of its stream, or less than 0
 int ContainerSource::findMusic(AVFormatContext& context)
 {
-    int best = av_find_best_stream(&context, AVMEDIA_TYPE_AUDIO, -1, -1, nullptr, 0);
-    if (best < 0) {
-        // Some containers have no table of streams: the library has to look at packets.
-        avformat_find_stream_info(&context, nullptr);
-        best = av_find_best_stream(&context, AVMEDIA_TYPE_AUDIO, -1, -1, nullptr, 0);
+    const auto best = [&context] {
+        return av_find_best_stream(&context, AVMEDIA_TYPE_AUDIO, -1, -1, nullptr, 0);
+    };
+    if (const int found = best(); found >= 0) {
+        return found;
     }
-    return best;
+    // Some containers have no table of streams: the library has to look at packets.
+    avformat_find_stream_info(&context, nullptr);
+    return best();
 }
 
 void ContainerSource::chooseStream(int best)
