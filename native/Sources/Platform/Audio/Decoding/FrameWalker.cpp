@@ -39,7 +39,7 @@ std::optional<FrameWalker::Found> FrameWalker::next()
             offset_ += header->size;
             return found;
         }
-        const std::int64_t tag = header ? 0 : tagSize(window(offset_, tagHeaderSize));
+        const std::int64_t tag = tagSize(window(offset_, tagHeaderSize));
         isInStep_ = isInStep_ && tag > 0;
         offset_ += tag > 0 ? tag : distanceToNextCandidate();
     }
