@@ -65,11 +65,12 @@ Signal partOf(const Signal& signal, std::size_t start, std::size_t count)
 
 /// What a node gives after reset(preroll) where its source starts at `start`.
 template <typename Node>
-void expectStart(Node& node, bool isOffline, std::uint32_t start, std::uint32_t preroll)
+void expectStart(bool isOffline, std::uint32_t start, std::uint32_t preroll)
 {
     SCOPED_TRACE(testing::Message() << "from " << start << ", preroll " << preroll);
     const Signal signal = wave(40000);
     MiddleNode source(signal, start);
+    Node node;  // goes first: it reads ahead
     node.setInput(&source);
     node.prepare({mono, 512, isOffline});
     for (int round = 0; round < 2; ++round) {
@@ -77,15 +78,13 @@ void expectStart(Node& node, bool isOffline, std::uint32_t start, std::uint32_t 
         EXPECT_EQ(node.reset(preroll), before);
         EXPECT_EQ(renderAll(node, mono, 3000, 500), partOf(signal, start - before, 3000));
     }
-    node.setInput(nullptr);
 }
 
 TEST(StartInTheMiddle, MixerGivesTheFramesFromThereOn)
 {
-    AudioMixerNode mixer;
     for (const std::uint32_t start : {0U, 30U, 200U, 4000U, 20000U}) {
         for (const std::uint32_t preroll : {0U, 100U}) {
-            expectStart(mixer, false, start, preroll);
+            expectStart<AudioMixerNode>(false, start, preroll);
         }
     }
 }
@@ -93,10 +92,9 @@ TEST(StartInTheMiddle, MixerGivesTheFramesFromThereOn)
 TEST(StartInTheMiddle, ShifterGivesTheFramesFromThereOn)
 {
     for (const bool isOffline : {false, true}) {
-        AudioUnitTimePitch unit;
         for (const std::uint32_t start : {0U, 30U, 200U, 20000U}) {
             for (const std::uint32_t preroll : {0U, 100U}) {
-                expectStart(unit, isOffline, start, preroll);
+                expectStart<AudioUnitTimePitch>(isOffline, start, preroll);
             }
         }
     }
