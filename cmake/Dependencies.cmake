@@ -13,3 +13,14 @@ pkg_check_modules(FFMPEG REQUIRED IMPORTED_TARGET
 pkg_check_modules(SNDFILE REQUIRED IMPORTED_TARGET sndfile>=1.2)
 pkg_check_modules(PULSE REQUIRED IMPORTED_TARGET libpulse>=16)
 pkg_check_modules(FFTW3F REQUIRED IMPORTED_TARGET fftw3f>=3.3)
+
+# The engine of docs/time-pitch-engine.md, or the library that it is measured against.
+set(TONVALE_TIME_PITCH own CACHE STRING "What shifts the pitch: own or rubberband")
+set_property(CACHE TONVALE_TIME_PITCH PROPERTY STRINGS own rubberband)
+if(NOT TONVALE_TIME_PITCH MATCHES "^(own|rubberband)$")
+    message(FATAL_ERROR "TONVALE_TIME_PITCH is own or rubberband, not ${TONVALE_TIME_PITCH}")
+endif()
+pkg_check_modules(RUBBERBAND IMPORTED_TARGET rubberband>=3)
+if(TONVALE_TIME_PITCH STREQUAL rubberband AND NOT RUBBERBAND_FOUND)
+    message(FATAL_ERROR "TONVALE_TIME_PITCH=rubberband needs librubberband")
+endif()
