@@ -14,12 +14,14 @@
 #include <gtest/gtest.h>
 
 #include <QAbstractButton>
+#include <QApplication>
 #include <QDialogButtonBox>
 #include <QFileDialog>
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPixmapCache>
+#include <QProxyStyle>
 #include <QTreeView>
 #include <QWindow>
 
@@ -171,8 +173,33 @@ TEST_F(SavePanelDialog, AsksWhereToSave)
     EXPECT_EQ(savePanel("Song.wav")->runModal(), std::nullopt);
 }
 
+/// Buttons of dialogs get icons, as on most desktops; the platform without a screen has none.
+class StyleWithIcons {
+public:
+    StyleWithIcons() { QApplication::setStyle(new Style(name_)); }
+    ~StyleWithIcons() { QApplication::setStyle(name_); }
+    StyleWithIcons(const StyleWithIcons&) = delete;
+    StyleWithIcons& operator=(const StyleWithIcons&) = delete;
+
+private:
+    class Style : public QProxyStyle {
+    public:
+        using QProxyStyle::QProxyStyle;
+        int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                      QStyleHintReturn* answer) const override
+        {
+            return hint == SH_DialogButtonBox_ButtonsHaveIcons
+                       ? 1
+                       : QProxyStyle::styleHint(hint, option, widget, answer);
+        }
+    };
+
+    QString name_ = QApplication::style()->name();
+};
+
 TEST_F(FileDialogs, HaveButtonsWithoutIcons)
 {
+    const StyleWithIcons style;
     createFile(folder_.path() / "take.wav");
     createFile(folder_.path() / "take.one.wav");
     DialogScript script;
@@ -195,6 +222,12 @@ TEST_F(FileDialogs, HaveButtonsWithoutIcons)
         .question(answerNo)
         .cancel();
     EXPECT_EQ(savePanel("Song.wav")->runModal(), std::nullopt);
+
+    script.fileDialog([expectNoIcons](QFileDialog& dialog) {
+        expectNoIcons(dialog);
+        dialog.reject();
+    });
+    EXPECT_EQ(OpenPanel::create()->runModal(), std::nullopt);
 }
 
 TEST_F(SavePanelDialog, AnswersNothingWhenCancelled)

@@ -100,7 +100,6 @@ public:
         setOption(QFileDialog::HideNameFilterDetails);
         setIconProvider(context.icons.get());
         widenColumns(*this);
-        takeIconsOff(*this);
         putOver(*this, window_);
     }
 
@@ -108,6 +107,7 @@ public:
     /// window with the keyboard.
     int exec() override
     {
+        takeIconsOff(*this);  // a panel for saving has other buttons than one for opening
         const int answer = QFileDialog::exec();
         window_.requestActivate();
         return answer;
