@@ -94,9 +94,9 @@ TEST_F(AudioPreviewSound, OneChannelAndSixSoundOnBothSides)
 TEST_F(AudioPreviewSound, PlayingAgainAfterTheSongsEndIsNoUnderrun)
 {
     load(440, 0.3);
-    for (int round = 1; round <= 3; ++round) {
+    for (unsigned round = 1; round <= 3; ++round) {
         preview.play(300, 0);
-        ASSERT_TRUE(takes(14400));  // all of it
+        ASSERT_TRUE(hasTaken(round * 14400U));  // all of it
         ASSERT_TRUE(isPaused());
     }
     EXPECT_EQ(taken.all, 3U * 14400U);

@@ -46,10 +46,12 @@ protected:
     }
 
     /// Waits until the device has taken so many frames more. @return false when it does not
-    [[nodiscard]] bool takes(std::uint64_t frames)
+    [[nodiscard]] bool takes(std::uint64_t frames) { return hasTaken(taken.all + frames); }
+
+    /// Waits until the device has taken so many frames altogether. @return false when it does not
+    [[nodiscard]] bool hasTaken(std::uint64_t frames)
     {
-        const std::uint64_t end = taken.all + frames;
-        return eventually([this, end] { return taken.all >= end; });
+        return eventually([this, frames] { return taken.all >= frames; });
     }
 
     /// Waits until the device has taken what there was and rests. @return false when it does not
